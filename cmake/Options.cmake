@@ -1,0 +1,63 @@
+# What every target is compiled with.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+# Assertions stay on in all builds: what only our own code can do wrong must never pass unseen.
+string(REPLACE "-DNDEBUG" "" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
+
+set(IORDER_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
+
+find_program(IORDER_CCACHE ccache)
+if(IORDER_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${IORDER_CCACHE}")
+endif()
+find_program(IORDER_MOLD mold)
+if(IORDER_MOLD)
+  add_link_options(-fuse-ld=mold)
+endif()
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(fmt REQUIRED)
+find_package(date REQUIRED)
+find_package(Boost REQUIRED COMPONENTS context)
+find_package(GTest REQUIRED)
+find_package(benchmark REQUIRED)
+pkg_check_modules(SQLITE REQUIRED IMPORTED_TARGET sqlite3)
+pkg_check_modules(ZSTD REQUIRED IMPORTED_TARGET libzstd)
+pkg_check_modules(ZLIB REQUIRED IMPORTED_TARGET zlib)
+
+add_library(iorder_options INTERFACE)
+target_include_directories(iorder_options INTERFACE "${CMAKE_SOURCE_DIR}")
+target_compile_options(iorder_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  # One product and one sum are two roundings, on every machine.
+  -ffp-contract=off
+  $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>)
+target_compile_definitions(iorder_options INTERFACE RAPIDJSON_HAS_STDSTRING=1)
+if(IORDER_SANITIZE)
+  target_compile_options(iorder_options INTERFACE -fsanitize=${IORDER_SANITIZE} -fno-omit-frame-pointer
+    -fno-sanitize-recover=all)
+  target_link_options(iorder_options INTERFACE -fsanitize=${IORDER_SANITIZE})
+endif()
+
+# iorder_library(NAME SOURCES ... LINK ...): one floor.
+function(iorder_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC iorder_options ${ARG_LINK})
+endfunction()
+
+# iorder_test(NAME SOURCES ... LINK ...): one unit test program.
+function(iorder_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE iorder_options ${ARG_LINK} GTest::gtest_main GTest::gmock)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+endfunction()
