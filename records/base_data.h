@@ -23,12 +23,12 @@ class CBaseDataEventReceiver {
   virtual void OnReplace(CBaseData* source, int32_t originator);
 };
 
-/// The handle of one record on the bus: reads its values with fixed coercions and defaults, opens sub-records, and passes
-/// the record's events on to its receiver.
+/// The handle of one record on the bus: reads its values with fixed coercions and defaults, opens
+/// sub-records, and passes the record's events on to its receiver.
 ///
-/// Any thread may read. Nothing here raises: a field that is missing or of another kind gives the default. Deleting a
-/// handle waits for an event that is being delivered, for at most 3 seconds, twice; it may not be deleted from inside its
-/// own event. Handles that the Open operations return belong to the caller.
+/// Any thread may read. Nothing here raises: a field that is missing or of another kind gives the default.
+/// Deleting a handle waits for an event that is being delivered, for at most 3 seconds, twice; it may not be
+/// deleted from inside its own event. Handles that the Open operations return belong to the caller.
 class CBaseData {
  public:
   explicit CBaseData(World& world);
@@ -36,11 +36,12 @@ class CBaseData {
   CBaseData(const CBaseData&) = delete;
   CBaseData& operator=(const CBaseData&) = delete;
 
-  /// Takes the receiver (or none) and, if no bus object is bound yet, binds `object` or, given none, a new one of the bus
-  /// component. False if there is none. A second call changes only the receiver.
+  /// Takes the receiver (or none) and, if no bus object is bound yet, binds `object` or, given none, a new
+  /// one of the bus component. False if there is none. A second call changes only the receiver.
   bool Attach(CBaseDataEventReceiver* receiver, std::shared_ptr<IBusObject> object);
   /// The handle of the record that `handle` stands for, or none.
-  static std::unique_ptr<CBaseData> OpenByHandle(World& world, int32_t handle, CBaseDataEventReceiver* receiver);
+  static std::unique_ptr<CBaseData> OpenByHandle(World& world, int32_t handle,
+                                                 CBaseDataEventReceiver* receiver);
 
   Value GetValue(int32_t code, int32_t argument);
   Value GetValue(int32_t code, std::wstring_view argument);
@@ -49,7 +50,8 @@ class CBaseData {
   Value GetVariant(std::wstring_view field);
   /// Numbers become decimal digits; "" for no value.
   std::wstring GetString(std::wstring_view field);
-  /// A 32-bit field gives its value, a text its leading decimal number, all else (64-bit fields too) the default.
+  /// A 32-bit field gives its value, a text its leading decimal number, all else (64-bit fields too) the
+  /// default.
   int32_t GetInt(std::wstring_view field, int32_t fallback);
   /// As GetInt, and a 64-bit field gives its value.
   int64_t GetInt64(std::wstring_view field, int64_t fallback);
@@ -60,14 +62,16 @@ class CBaseData {
   /// Each asks the bus and keeps a good answer (0 or above) for OpenItem and OpenNode; anything else gives 0.
   int32_t GetItemCount();
   int32_t GetNodeCount();
-  /// Tries up to 20 times, with a sleep of 50 ms after each failed try; none at once for an index beyond the count.
+  /// Tries up to 20 times, with a sleep of 50 ms after each failed try; none at once for an index beyond the
+  /// count.
   std::unique_ptr<CBaseData> OpenItem(int32_t index, CBaseDataEventReceiver* receiver);
   std::unique_ptr<CBaseData> OpenItemByName(std::wstring_view name, CBaseDataEventReceiver* receiver);
   /// One try, unlike OpenItem.
   std::unique_ptr<CBaseData> OpenNode(int32_t index);
   std::unique_ptr<CBaseData> OpenNodeByName(std::wstring_view name, CBaseDataEventReceiver* receiver);
 
-  /// The token, also the own writer identity: updates that carry it aren't passed on. -1 without a bus object.
+  /// The token, also the own writer identity: updates that carry it aren't passed on. -1 without a bus
+  /// object.
   int32_t BeginWrite();
   void WriteValue(int32_t token, int32_t code, const Value& value, const Value& extra);
   void EndWrite(int32_t token);
@@ -80,8 +84,8 @@ class CBaseData {
 
   World& m_world;
   std::shared_ptr<IBusObject> m_object;
-  /// The receiver, the gate, the cookie and the own writer identity: what an event in flight needs. It outlives the handle
-  /// for as long as the bus is calling it.
+  /// The receiver, the gate, the cookie and the own writer identity: what an event in flight needs. It
+  /// outlives the handle for as long as the bus is calling it.
   std::shared_ptr<Connection> m_connection;
   std::atomic<int32_t> m_itemCount{-1};
   std::atomic<int32_t> m_nodeCount{-1};

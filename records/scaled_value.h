@@ -7,7 +7,8 @@
 
 namespace iorder {
 
-/// A number times 10,000,000,000 in a signed 64-bit integer: prices, money amounts and implied volatilities on the bus.
+/// A number times 10,000,000,000 in a signed 64-bit integer: prices, money amounts and implied volatilities
+/// on the bus.
 using ScaledValue = int64_t;
 
 /// A 64-bit field without a value.
@@ -22,15 +23,15 @@ inline constexpr double kScale = 10000000000.0;
 /// The whole part of `number` as a 64-bit integer. What doesn't fit, NoPrice above all, gives NoValue.
 int64_t Truncate(double number);
 
-/// NoPrice stays unconverted (NoValue). Above 0: x * 1e10 + 0.05 truncated, else x * 1e10 - 0.05 truncated. The rounding
-/// term takes up what the multiplication lost. What doesn't fit 64 bits gives NoValue.
+/// NoPrice stays unconverted (NoValue). Above 0: x * 1e10 + 0.05 truncated, else x * 1e10 - 0.05 truncated.
+/// The rounding term takes up what the multiplication lost. What doesn't fit 64 bits gives NoValue.
 ScaledValue ToScaled(double number);
 
 /// NoValue gives NoPrice. Above 0: v / 1e10 + 5e-12, else v / 1e10 - 5e-12; so 0 gives -5e-12.
 double FromScaled(ScaledValue value);
 
-/// The scaled value that the decimal `text` spells, exactly: an optional sign, digits, at most one point, at most ten
-/// places behind it. None for any other text and for what doesn't fit.
+/// The scaled value that the decimal `text` spells, exactly: an optional sign, digits, at most one point, at
+/// most ten places behind it. None for any other text and for what doesn't fit.
 std::optional<ScaledValue> ParseScaled(std::string_view text);
 
 }  // namespace iorder

@@ -1,0 +1,91 @@
+#include "records/json_document.h"
+
+#include <rapidjson/error/error.h>
+#include <rapidjson/memorystream.h>
+#include <rapidjson/reader.h>
+
+#include "platform/text.h"
+
+namespace iorder {
+
+namespace {
+
+/// Passes a parser's events on to a document until they go too deep.
+class CDepthLimit {
+ public:
+  using Ch = char;
+  using Size = rapidjson::SizeType;
+
+  explicit CDepthLimit(rapidjson::Document& document) : m_document(document) {}
+
+  bool Null() { return m_document.Null(); }
+  bool Bool(bool value) { return m_document.Bool(value); }
+  bool Int(int value) { return m_document.Int(value); }
+  bool Uint(unsigned value) { return m_document.Uint(value); }
+  bool Int64(int64_t value) { return m_document.Int64(value); }
+  bool Uint64(uint64_t value) { return m_document.Uint64(value); }
+  bool Double(double value) { return m_document.Double(value); }
+  bool RawNumber(const Ch* text, Size length, bool copy) { return m_document.RawNumber(text, length, copy); }
+  bool String(const Ch* text, Size length, bool copy) { return m_document.String(text, length, copy); }
+  bool Key(const Ch* text, Size length, bool copy) { return m_document.Key(text, length, copy); }
+  bool StartObject() { return ++m_depth <= kMaxJsonDepth && m_document.StartObject(); }
+  bool EndObject(Size count) { return --m_depth >= 0 && m_document.EndObject(count); }
+  bool StartArray() { return ++m_depth <= kMaxJsonDepth && m_document.StartArray(); }
+  bool EndArray(Size count) { return --m_depth >= 0 && m_document.EndArray(count); }
+
+ private:
+  rapidjson::Document& m_document;
+  int m_depth = 0;
+};
+
+/// Parses with the depth limit in between, and keeps the parser's verdict.
+class CLimitedParser {
+ public:
+  explicit CLimitedParser(std::string_view utf8) : m_stream(utf8.data(), utf8.size()) {}
+
+  bool operator()(rapidjson::Document& document) {
+    constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag;
+    CDepthLimit limit(document);
+    rapidjson::Reader reader;
+    m_result = reader.Parse<flags>(m_stream, limit);
+    return !m_result.IsError();
+  }
+
+  const rapidjson::ParseResult& Result() const { return m_result; }
+
+ private:
+  rapidjson::MemoryStream m_stream;
+  rapidjson::ParseResult m_result;
+};
+
+}  // namespace
+
+JsonFailure ParseJson(std::string_view utf8, rapidjson::Document& document) {
+  document.SetNull();
+  CLimitedParser parser(utf8);
+  document.Populate(parser);
+  if (parser.Result().IsError()) document.SetNull();
+  return {parser.Result().Code(), parser.Result().Offset()};
+}
+
+std::string WriteJson(const rapidjson::Value& value) {
+  rapidjson::StringBuffer buffer;
+  CJsonWriter writer(buffer);
+  value.Accept(writer);
+  return {buffer.GetString(), buffer.GetSize()};
+}
+
+const rapidjson::Value* FindMember(const rapidjson::Value& object, std::string_view name) {
+  if (!object.IsObject()) return nullptr;
+  const auto length = static_cast<rapidjson::SizeType>(name.size());
+  const auto member = object.FindMember(rapidjson::Value(rapidjson::StringRef(name.data(), length)));
+  return member == object.MemberEnd() ? nullptr : &member->value;
+}
+
+std::wstring StringMember(const rapidjson::Value& object, std::string_view name) {
+  const rapidjson::Value* member = FindMember(object, name);
+  if (member == nullptr || !member->IsString()) return {};
+  return ToWide({member->GetString(), member->GetStringLength()});
+}
+
+}  // namespace iorder

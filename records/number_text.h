@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace iorder {
+
+/// The decimal integer that `text` begins with, behind white space and a sign; 0 if there is none. What
+/// doesn't fit stops at the nearest value that does.
+int64_t LeadingInt64(std::wstring_view text);
+int32_t LeadingInt32(std::wstring_view text);
+
+/// The decimal number that `text` begins with (digits, one point, an exponent); 0.0 if there is none.
+/// Independent of any locale.
+double LeadingDouble(std::wstring_view text);
+
+}  // namespace iorder
