@@ -1,0 +1,167 @@
+#include "app/day_writer.h"
+
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <map>
+
+namespace iorder {
+namespace {
+
+/// Writes one JSON object; names and texts in UTF-8.
+class CObjectWriter {
+ public:
+  CObjectWriter() : m_writer(m_buffer) {}
+
+  void Begin() { m_writer.StartObject(); }
+  void Begin(std::string_view name) {
+    Name(name);
+    m_writer.StartObject();
+  }
+  void End() { m_writer.EndObject(); }
+  void BeginList(std::string_view name) {
+    Name(name);
+    m_writer.StartArray();
+  }
+  void EndList() { m_writer.EndArray(); }
+  void Text(std::string_view name, std::string_view value) {
+    Name(name);
+    m_writer.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
+  }
+  void Number(std::string_view name, int64_t value) {
+    Name(name);
+    m_writer.Int64(value);
+  }
+  void Flag(std::string_view name, bool value) {
+    Name(name);
+    m_writer.Bool(value);
+  }
+  void Texts(std::string_view name, const CDayWriter::Fields& fields) {
+    Begin(name);
+    for (const auto& [field, value] : fields) Text(field, value);
+    End();
+  }
+
+  std::string_view Line() {
+    m_buffer.Put('\n');
+    return {m_buffer.GetString(), m_buffer.GetSize()};
+  }
+
+ private:
+  void Name(std::string_view name) {
+    m_writer.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
+  }
+
+  rapidjson::StringBuffer m_buffer;
+  rapidjson::Writer<rapidjson::StringBuffer> m_writer;
+};
+
+/// The exchange's part of a product name: "ND.O.TWF" of "ND.O.TWF.TX".
+std::string ExchangeOf(const std::string& product) {
+  return product.substr(0, product.rfind('.'));
+}
+
+}  // namespace
+
+template <typename Fill>
+void CDayWriter::Line(Fill&& fill) {
+  CObjectWriter line;
+  line.Begin();
+  fill(line);
+  line.End();
+  m_file.Write(line.Line());
+}
+
+CDayWriter::CDayWriter(const std::filesystem::path& path, LocalMoment start, LocalMoment end) : m_file(path) {
+  Line([&](CObjectWriter& line) {
+    line.Begin("day");
+    line.Text("start", ToText(start));
+    line.Text("end", ToText(end));
+    line.Text("timezone", "Asia/Taipei");
+    line.End();
+  });
+}
+
+void CDayWriter::Note(std::string_view text) {
+  Line([&](CObjectWriter& line) { line.Text("note", text); });
+}
+
+void CDayWriter::Settings(std::string_view path, std::string_view text) {
+  Line([&](CObjectWriter& line) {
+    line.Text("settings", path);
+    line.Text("text", text);
+  });
+}
+
+void CDayWriter::Symbol(const SymbolRow& row) {
+  Line([&](CObjectWriter& line) {
+    line.BeginList("symbols");
+    line.Begin();
+    line.Text("Symbol", row.symbol);
+    line.Text("Type", row.type);
+    line.Text("SearchName", row.searchName);
+    line.Text("ExpDate", row.expiryDate);
+    line.Text("product", row.product);
+    line.Text("setpriadj", "");
+    line.End();
+    line.EndList();
+  });
+}
+
+void CDayWriter::Record(std::string_view name, const Fields& fields) {
+  Line([&](CObjectWriter& line) {
+    line.Text("record", name);
+    line.Texts("fields", fields);
+  });
+}
+
+void CDayWriter::SecurityInfo(const Fields& attributesOfProducts) {
+  std::map<std::string, Fields> exchanges;
+  for (const auto& field : attributesOfProducts) exchanges[ExchangeOf(field.first)].push_back(field);
+  Line([&](CObjectWriter& line) {
+    line.Text("record", "Security.Info");
+    line.BeginList("items");
+    for (const auto& [exchange, fields] : exchanges) {
+      line.Begin();
+      line.Text("name", exchange);
+      line.Texts("fields", fields);
+      line.End();
+    }
+    line.EndList();
+  });
+}
+
+void CDayWriter::Account(std::string_view broker, std::string_view account) {
+  Line([&](CObjectWriter& line) {
+    line.BeginList("accounts");
+    line.Begin();
+    line.Text("BrokerID", broker);
+    line.Text("Account", account);
+    line.Number("ConnectStatus", 2);
+    line.End();
+    line.EndList();
+  });
+}
+
+void CDayWriter::Series(const ListedSeries& series) {
+  Line([&](CObjectWriter& line) {
+    line.Text("quote", series.symbol);
+    // Listed isn't traded: the time fields stay empty until the first trade.
+    line.Flag("clock", false);
+    line.Number("mcode", 1);
+    if (series.endDate != 0) line.Number("end_date", series.endDate);
+    if (!series.referencePrice.empty()) {
+      for (const char* type : {"R", "P", "Y"}) line.Text(type, series.referencePrice);
+    }
+  });
+}
+
+void CDayWriter::Ticks(std::string_view path) {
+  Line([&](CObjectWriter& line) { line.Text("ticks", path); });
+}
+
+void CDayWriter::Commit() {
+  m_file.Commit();
+}
+
+}  // namespace iorder

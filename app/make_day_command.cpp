@@ -1,0 +1,91 @@
+#include <fmt/format.h>
+
+#include <iostream>
+#include <memory>
+
+#include "app/command_line.h"
+#include "app/input_error.h"
+#include "app/make_day.h"
+#include "app/progress.h"
+
+namespace iorder {
+namespace {
+
+struct Arguments {
+  MakeDayOptions options = DefaultDay();
+  std::string start;
+  std::string account;
+  std::string day;
+};
+
+LocalMoment ReadStart(const std::string& text) {
+  const std::optional<LocalMoment> start = ParseLocalMoment(text);
+  if (!start) {
+    throw CInputError(fmt::format("--start: '{}', expected a date and time as 2024-03-04T08:45", text));
+  }
+  return *start;
+}
+
+void ReadAccount(const std::string& text, MakeDayOptions& options) {
+  const size_t slash = text.find('/');
+  if (slash == std::string::npos || slash == 0 || slash + 1 == text.size()) {
+    throw CInputError(fmt::format("--account: '{}', expected BROKER/ACCOUNT", text));
+  }
+  options.broker = text.substr(0, slash);
+  options.account = text.substr(slash + 1);
+}
+
+int Run(const Arguments& arguments) {
+  MakeDayOptions options = arguments.options;
+  if (!arguments.start.empty()) options.start = ReadStart(arguments.start);
+  if (!arguments.account.empty()) ReadAccount(arguments.account, options);
+  options.day = arguments.day.empty() ? fmt::format("made-{}.day.jsonl", options.seed) : arguments.day;
+
+  CProgress progress("ticks", static_cast<double>(options.ticks));
+  MakeDay(options, [&progress](int64_t ticks) { progress.Show(static_cast<double>(ticks)); });
+  progress.Clear();
+  std::cout << fmt::format("{}: {} strikes, {} ticks in {}\n", options.day.string(), options.strikes,
+                           options.ticks, TickFileOf(options.day).string());
+  return kDone;
+}
+
+}  // namespace
+
+void AddMakeDayCommand(CLI::App& program, Job& job) {
+  const auto arguments = std::make_shared<Arguments>();
+  MakeDayOptions& options = arguments->options;
+  CLI::App* const command =
+      program.add_subcommand("make-day", "Make a day with an option chain, from a seed");
+  command->add_option("--seed", options.seed, "The same seed makes the same day on every machine")
+      ->check(WholeNumber(0, INT64_MAX))
+      ->capture_default_str();
+  command->add_option("--strikes", options.strikes, "Strikes of the chain, each a call and a put")
+      ->check(WholeNumber(1, 5000))
+      ->capture_default_str();
+  command->add_option("--ticks", options.ticks, "Trades of the day, the opening auction included")
+      ->check(WholeNumber(0, 1'000'000'000))
+      ->capture_default_str();
+  command->add_option("--start", arguments->start, "When the session opens, local time of Asia/Taipei")
+      ->default_str(ToText(options.start));
+  command->add_option("--minutes", options.minutes, "Length of the session")
+      ->check(WholeNumber(1, 840))
+      ->capture_default_str();
+  command->add_option("--price", options.price, "Price of the underlying before the opening, in points")
+      ->check(WholeNumber(100, 1'000'000))
+      ->capture_default_str();
+  command->add_option("--volatility", options.volatility, "Of the underlying, in percent a year")
+      ->check(WholeNumber(1, 200))
+      ->capture_default_str();
+  command->add_option("--account", arguments->account, "BROKER/ACCOUNT that is connected")
+      ->default_str(options.broker + "/" + options.account);
+  command->add_option("--out", arguments->day,
+                      "The day file to write, NAME.day.jsonl; its ticks go to NAME.ticks.csv beside it "
+                      "[made-SEED.day.jsonl]");
+  command->footer(
+      Examples("  iorder make-day --seed 7\n"
+               "  iorder make-day --seed 7 --start 2024-03-04T15:00 --minutes 840 --out night.day.jsonl\n"
+               "  iorder make-day --seed 7 --strikes 1000 --ticks 10000000 --out large.day.jsonl"));
+  command->callback([&job, arguments] { job = [arguments] { return Run(*arguments); }; });
+}
+
+}  // namespace iorder

@@ -1,0 +1,68 @@
+#include "app/tick_writer.h"
+
+#include <charconv>
+
+namespace iorder {
+namespace {
+
+constexpr size_t kPiece = 1 << 16;
+
+void AppendDigits(std::string& text, int64_t number, size_t digits) {
+  const size_t begin = text.size();
+  text.resize(begin + digits);
+  for (size_t i = digits; i > 0; --i, number /= 10)
+    text[begin + i - 1] = static_cast<char>('0' + number % 10);
+}
+
+void AppendNumber(std::string& text, int64_t number) {
+  char digits[24];
+  text.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+}
+
+}  // namespace
+
+CTickWriter::CTickWriter(const std::filesystem::path& path) : m_file(path) {
+  m_text = "at,symbol,price,qty,volume,open\n";
+}
+
+void CTickWriter::Append(const TickRow& row) {
+  AppendTime(row.at);
+  m_text.append(",").append(row.symbol).append(",").append(row.price).append(",");
+  AppendNumber(m_text, row.quantity);
+  m_text += ',';
+  AppendNumber(m_text, row.volume);
+  m_text.append(",").append(row.open).append("\n");
+  if (m_text.size() > kPiece) Flush();
+}
+
+void CTickWriter::Commit() {
+  Flush();
+  m_file.Commit();
+}
+
+void CTickWriter::AppendTime(LocalMoment at) {
+  const auto date = std::chrono::floor<std::chrono::days>(at);
+  if (!m_hasDate) m_date = date;
+  m_hasDate = true;
+  // Behind midnight the date must be said.
+  if (date != m_date) {
+    m_text += ToText(at);
+    return;
+  }
+  const int64_t time = (at - date).count();
+  AppendDigits(m_text, time / 3600000, 2);
+  m_text += ':';
+  AppendDigits(m_text, time / 60000 % 60, 2);
+  m_text += ':';
+  AppendDigits(m_text, time / 1000 % 60, 2);
+  if (time % 1000 == 0) return;
+  m_text += '.';
+  AppendDigits(m_text, time % 1000, 3);
+}
+
+void CTickWriter::Flush() {
+  m_file.Write(m_text);
+  m_text.clear();
+}
+
+}  // namespace iorder
