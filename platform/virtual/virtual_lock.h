@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/lock_order.h"
+#include "platform/runtime.h"
+
+namespace iorder {
+
+class CScheduler;
+class CVirtualThread;
+
+/// A lock of the virtual runtime. Who finds it taken waits in line and is handed it.
+class CVirtualLock final : public ILock {
+ public:
+  CVirtualLock(CScheduler& scheduler, const char* name);
+  ~CVirtualLock() override;
+
+  void Enter() override;
+  void Leave() noexcept override;
+
+  std::string_view Name() const noexcept { return m_name; }
+  std::string Describe() const;
+  /// Takes `thread` out of the line.
+  void RemoveWaiter(CVirtualThread& thread) noexcept;
+
+ private:
+  void WaitInLine(CVirtualThread& self);
+  void SetOwner(CVirtualThread& thread);
+  void DropOwner() noexcept;
+
+  CScheduler& m_scheduler;
+  const std::string_view m_name;
+  const CLockOrder::Role m_role;
+  CVirtualThread* m_owner = nullptr;
+  int m_depth = 0;
+  CVirtualThread* m_firstWaiter = nullptr;
+  CVirtualThread* m_lastWaiter = nullptr;
+};
+
+}  // namespace iorder
