@@ -8,7 +8,9 @@ namespace iorder {
 namespace {
 
 std::string Quoted(std::string_view name) {
-  return "'" + std::string(name) + "'";
+  std::string text = "'";
+  text.append(name).append("'");
+  return text;
 }
 
 }  // namespace
