@@ -93,7 +93,7 @@ void CDayWriter::Settings(std::string_view path, std::string_view text) {
   });
 }
 
-void CDayWriter::Symbol(const SymbolRow& row) {
+void CDayWriter::Symbol(const ListedSymbol& row) {
   Line([&](CObjectWriter& line) {
     line.BeginList("symbols");
     line.Begin();

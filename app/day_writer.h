@@ -13,7 +13,7 @@
 namespace iorder {
 
 /// One row of the table SymbolSearch.
-struct SymbolRow {
+struct ListedSymbol {
   std::string symbol;
   std::string type;        ///< O, F
   std::string searchName;  ///< the strike, or the month of a future
@@ -38,7 +38,7 @@ class CDayWriter {
 
   void Note(std::string_view text);
   void Settings(std::string_view path, std::string_view text);
-  void Symbol(const SymbolRow& row);
+  void Symbol(const ListedSymbol& row);
   /// A record with text fields.
   void Record(std::string_view name, const Fields& fields);
   /// The record "Security.Info": for each product ("ND.O.TWF.TX") the JSON object of its attributes.

@@ -50,7 +50,7 @@ CMadeMarket::CMadeMarket(const MarketShape& shape, uint64_t seed) : m_shape(shap
   const double secondDeviation = price * kThousandths * volatility / std::sqrt(252.0 * 18000.0);
   m_largestDraw = static_cast<int64_t>(secondDeviation * 0.866);
   // The night brought news too: the opening lies up to 0.5 percent off the last price.
-  m_future = shape.price * kThousandths + m_random.Between(-5, 5) * shape.price;
+  m_future = shape.price * kThousandths + Between(-5, 5) * shape.price;
 
   m_series.push_back({.symbol = shape.future});
   const std::vector<int64_t> strikes = ChooseStrikes(shape.price, shape.strikes);
@@ -61,6 +61,14 @@ CMadeMarket::CMadeMarket(const MarketShape& shape, uint64_t seed) : m_shape(shap
     m_weights.push_back(sum += m_series[i].weight);
     if (m_series[i].opensAfter == 0) m_auction.push_back(i);
   }
+}
+
+int64_t CMadeMarket::Below(int64_t bound) {
+  return m_random.Below(static_cast<uint32_t>(bound));
+}
+
+int64_t CMadeMarket::Between(int64_t lowest, int64_t highest) {
+  return lowest + Below(highest - lowest + 1);
 }
 
 void CMadeMarket::List(const std::vector<int64_t>& strikes, bool calls) {
@@ -75,10 +83,10 @@ void CMadeMarket::List(const std::vector<int64_t>& strikes, bool calls) {
     series.weight = 1 + 4000 * near * near / (near * near + distance * distance) / (inTheMoney ? 4 : 1);
     // Percent of the way to the end of the chain; in the money little trades.
     const int64_t remoteness = 100 * distance / (half + 1) * (inTheMoney ? 2 : 1);
-    if (m_random.Below(250) < remoteness) {
+    if (Below(250) < remoteness) {
       series.opensAfter = MadeSeries::kNever;
-    } else if (m_random.Below(75) < remoteness) {
-      series.opensAfter = 1 + m_random.Below(1 + m_shape.length * std::min<int64_t>(remoteness, 100) / 150);
+    } else if (Below(75) < remoteness) {
+      series.opensAfter = 1 + Below(1 + m_shape.length * std::min<int64_t>(remoteness, 100) / 150);
     }
     m_series.push_back(std::move(series));
   }
@@ -92,15 +100,14 @@ MadeTrade CMadeMarket::Trade(int64_t index, int64_t count) {
   MadeSeries& series = DrawSeries(trade.after);
   trade.series = &series;
   trade.price = DrawPrice(series);
-  trade.quantity = m_random.Between(1, 5);
+  trade.quantity = Between(1, 5);
   trade.opens = series.volume == 0;
   series.volume += trade.quantity;
   return trade;
 }
 
 MadeTrade CMadeMarket::AuctionTrade(MadeSeries& series) {
-  MadeTrade trade{
-      .series = &series, .price = DrawPrice(series), .quantity = m_random.Between(5, 80), .opens = true};
+  MadeTrade trade{.series = &series, .price = DrawPrice(series), .quantity = Between(5, 80), .opens = true};
   series.volume = trade.quantity;
   return trade;
 }
@@ -109,14 +116,14 @@ int64_t CMadeMarket::TradeTime(int64_t index, int64_t count) {
   // One trade in each of `count` even slices, which are then bent so that the opening is two and a half times
   // as busy as the average.
   const int64_t length = m_shape.length;
-  const int64_t even = (index * length + m_random.Below(length)) / count;
+  const int64_t even = (index * length + Below(length)) / count;
   return even * (4 * length + 6 * even) / (10 * length);
 }
 
 MadeSeries& CMadeMarket::DrawSeries(int64_t after) {
   MadeSeries& future = m_series.front();
-  if (m_random.Below(4) == 0) return future;
-  const int64_t draw = m_random.Below(m_weights.back());
+  if (Below(4) == 0) return future;
+  const int64_t draw = Below(m_weights.back());
   const auto found = std::upper_bound(m_weights.begin(), m_weights.end(), draw);
   MadeSeries& series = m_series[static_cast<size_t>(found - m_weights.begin())];
   const bool isOpen = series.opensAfter != MadeSeries::kNever && series.opensAfter <= after;
@@ -125,21 +132,20 @@ MadeSeries& CMadeMarket::DrawSeries(int64_t after) {
 
 void CMadeMarket::MoveFuture(int64_t after) {
   for (; m_second < after / 1000; ++m_second) {
-    for (int draw = 0; draw < 4; ++draw) m_future += m_random.Between(-m_largestDraw, m_largestDraw);
+    for (int draw = 0; draw < 4; ++draw) m_future += Between(-m_largestDraw, m_largestDraw);
     m_future = std::max(m_future, m_shape.price * kThousandths / 2);
   }
 }
 
 int64_t CMadeMarket::DrawPrice(const MadeSeries& series) {
-  if (series.strike == 0)
-    return (m_future + m_random.Between(-500, 500) + kThousandths / 2) / kThousandths * 10;
+  if (series.strike == 0) return (m_future + Between(-500, 500) + kThousandths / 2) / kThousandths * 10;
   const double future = static_cast<double>(m_future) / kThousandths;
   const auto strike = static_cast<double>(series.strike);
   const double premium =
       series.isCall ? CallPremium(future, strike, m_deviation) : PutPremium(future, strike, m_deviation);
   const int64_t price = RoundToOptionTick(premium);
   // Buyers and sellers meet up to a tick beside it.
-  const int64_t moved = price + m_random.Between(-1, 1) * OptionTick(price);
+  const int64_t moved = price + Between(-1, 1) * OptionTick(price);
   return RoundToOptionTick(static_cast<double>(moved) / 10);
 }
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "app/random.h"
+#include "platform/random.h"
 
 namespace iorder {
 
@@ -53,6 +53,9 @@ class CMadeMarket {
   MadeTrade Trade(int64_t index, int64_t count);
 
  private:
+  /// 0 to `bound` - 1, and `lowest` to `highest`; a span fits 32 bits.
+  int64_t Below(int64_t bound);
+  int64_t Between(int64_t lowest, int64_t highest);
   void List(const std::vector<int64_t>& strikes, bool calls);
   MadeTrade AuctionTrade(MadeSeries& series);
   int64_t TradeTime(int64_t index, int64_t count);

@@ -25,7 +25,7 @@ CTickWriter::CTickWriter(const std::filesystem::path& path) : m_file(path) {
   m_text = "at,symbol,price,qty,volume,open\n";
 }
 
-void CTickWriter::Append(const TickRow& row) {
+void CTickWriter::Append(const TradeRow& row) {
   AppendTime(row.at);
   m_text.append(",").append(row.symbol).append(",").append(row.price).append(",");
   AppendNumber(m_text, row.quantity);

@@ -11,7 +11,7 @@
 namespace iorder {
 
 /// One trade as a row of a tick file. Prices are decimal texts.
-struct TickRow {
+struct TradeRow {
   LocalMoment at{};
   std::string_view symbol;
   std::string_view price;
@@ -25,7 +25,7 @@ class CTickWriter {
  public:
   explicit CTickWriter(const std::filesystem::path& path);
 
-  void Append(const TickRow& row);
+  void Append(const TradeRow& row);
   void Commit();
 
  private:

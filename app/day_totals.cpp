@@ -1,0 +1,107 @@
+#include "app/day_totals.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string_view>
+
+#include "app/happening_text.h"
+#include "records/json_document.h"
+
+namespace iorder {
+namespace {
+
+std::string StateOf(const CDayTotals::Strategy& strategy) {
+  return strategy.isGone ? "gone" : StateWords(strategy.state);
+}
+
+void WriteText(CJsonWriter& writer, std::string_view name, std::string_view text) {
+  writer.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
+  writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+}
+
+void WriteNumber(CJsonWriter& writer, const char* name, int64_t number) {
+  writer.Key(name);
+  writer.Int64(number);
+}
+
+}  // namespace
+
+void CDayTotals::Add(const Happening& happening) {
+  if (const auto* started = std::get_if<StrategyStarted>(&happening)) {
+    m_strategies[started->strategy].isGone = false;
+  } else if (const auto* gone = std::get_if<StrategyGone>(&happening)) {
+    m_strategies[gone->strategy].isGone = true;
+  } else if (const auto* change = std::get_if<StateChanged>(&happening)) {
+    m_strategies[change->strategy].state = change->state;
+  } else if (const auto* judged = std::get_if<OptionJudged>(&happening)) {
+    m_strategies[judged->strategy].accepted += judged->accepted ? 1 : 0;
+  } else if (const auto* order = std::get_if<OrderSent>(&happening)) {
+    ++m_orders;
+    Strategy& strategy = m_strategies[order->strategy];
+    ++strategy.orders;
+    strategy.lots += order->lots;
+  } else if (const auto* batch = std::get_if<BatchPlaced>(&happening)) {
+    m_strategies[batch->strategy].cash = batch->cash;
+  } else if (std::holds_alternative<CancelSent>(happening)) {
+    ++m_cancels;
+  } else if (std::holds_alternative<FaultReported>(happening)) {
+    ++m_faults;
+  }
+}
+
+std::string CDayTotals::Table() const {
+  std::string table;
+  if (!m_strategies.empty()) {
+    size_t keyWidth = 8, stateWidth = 5;
+    for (const auto& [key, strategy] : m_strategies) {
+      keyWidth = std::max(keyWidth, key.size());
+      stateWidth = std::max(stateWidth, StateOf(strategy).size());
+    }
+    const auto line = [&](std::string_view key, std::string_view state, const auto& accepted,
+                          const auto& orders, const auto& lots, const auto& cash) {
+      table += fmt::format("{:<{}}  {:<{}}  {:>8}  {:>6}  {:>6}  {:>12}\n", key, keyWidth, state, stateWidth,
+                           accepted, orders, lots, cash);
+    };
+    line("strategy", "state", "accepted", "orders", "lots", "cash");
+    for (const auto& [key, strategy] : m_strategies) {
+      line(key.empty() ? "-" : key, StateOf(strategy), strategy.accepted, strategy.orders, strategy.lots,
+           strategy.cash);
+    }
+  }
+  return table + fmt::format("{} orders, {} cancels, {} faults\n", m_orders, m_cancels, m_faults);
+}
+
+std::string CDayTotals::Json(std::string_view at, const std::vector<std::string>& errors) const {
+  rapidjson::StringBuffer buffer;
+  CJsonWriter writer(buffer);
+  writer.StartObject();
+  WriteText(writer, "at", at);
+  WriteText(writer, "kind", "end");
+  writer.Key("strategies");
+  writer.StartArray();
+  for (const auto& [key, strategy] : m_strategies) {
+    writer.StartObject();
+    WriteText(writer, "strategy", key);
+    WriteNumber(writer, "state", strategy.state);
+    WriteText(writer, "words", StateOf(strategy));
+    WriteNumber(writer, "accepted", strategy.accepted);
+    WriteNumber(writer, "orders", strategy.orders);
+    WriteNumber(writer, "lots", strategy.lots);
+    WriteNumber(writer, "cash", strategy.cash);
+    writer.EndObject();
+  }
+  writer.EndArray();
+  WriteNumber(writer, "orders", m_orders);
+  WriteNumber(writer, "cancels", m_cancels);
+  WriteNumber(writer, "faults", m_faults);
+  writer.Key("errors");
+  writer.StartArray();
+  for (const std::string& error : errors)
+    writer.String(error.data(), static_cast<rapidjson::SizeType>(error.size()));
+  writer.EndArray();
+  writer.EndObject();
+  return {buffer.GetString(), buffer.GetSize()};
+}
+
+}  // namespace iorder

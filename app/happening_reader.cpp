@@ -1,0 +1,176 @@
+#include "app/happening_reader.h"
+
+#include <rapidjson/document.h>
+
+#include <charconv>
+#include <optional>
+
+#include "records/json_document.h"
+
+namespace iorder {
+namespace {
+
+constexpr std::string_view kEnginePrefix = "<CIntelligentOrder>";
+constexpr std::string_view kStrategyPrefix = "[OpenLottery]<";
+/// The sender says so in place of a price.
+constexpr std::string_view kNoPriceText = "-9223372036854775808";
+
+bool TakePrefix(std::string_view& text, std::string_view prefix) {
+  if (!text.starts_with(prefix)) return false;
+  text.remove_prefix(prefix.size());
+  return true;
+}
+
+/// What stands between `before` and `after`; to the end of the text if `after` isn't there. None without
+/// `before`.
+std::optional<std::string_view> Between(std::string_view text, std::string_view before,
+                                        std::string_view after) {
+  const size_t begin = text.find(before);
+  if (begin == std::string_view::npos) return std::nullopt;
+  text.remove_prefix(begin + before.size());
+  return text.substr(0, text.find(after));
+}
+
+std::optional<int64_t> ReadInteger(std::string_view text) {
+  int64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [next, error] = std::from_chars(text.data(), end, number);
+  if (error != std::errc() || next != end) return std::nullopt;
+  return number;
+}
+
+std::optional<int64_t> IntegerBetween(std::string_view text, std::string_view before,
+                                      std::string_view after) {
+  const std::optional<std::string_view> number = Between(text, before, after);
+  return number ? ReadInteger(*number) : std::nullopt;
+}
+
+/// The value of a key in a comma-separated KEY=VALUE text; empty if it isn't there.
+std::string_view OrderField(std::string_view order, std::string_view key) {
+  while (!order.empty()) {
+    std::string_view pair = order.substr(0, order.find(','));
+    order.remove_prefix(std::min(order.size(), pair.size() + 1));
+    if (pair.size() > key.size() && pair.starts_with(key) && pair[key.size()] == '=') {
+      return pair.substr(key.size() + 1);
+    }
+  }
+  return {};
+}
+
+OrderSent ReadOrder(std::string_view text) {
+  OrderSent order;
+  const std::string_view owner = OrderField(text, "USERKEY2");
+  order.strategy = owner.substr(0, owner.find('@'));
+  order.account = std::string(OrderField(text, "BROKERID")) + '/' + std::string(OrderField(text, "ACCOUNT"));
+  order.symbol = OrderField(text, "SYMBOL");
+  order.side = OrderField(text, "SIDE");
+  order.lots = ReadInteger(OrderField(text, "QTY")).value_or(0);
+  const std::string_view price = OrderField(text, "PRICE");
+  if (price != kNoPriceText) order.price = ReadInteger(price);
+  order.priceWords = OrderField(text, "PRICESTRING");
+  order.closes = OrderField(text, "POSITIONEFFECT") == "1";
+  order.text = text;
+  return order;
+}
+
+std::string TextOf(const rapidjson::Value& object, std::string_view name) {
+  const rapidjson::Value* const member = FindMember(object, name);
+  if (member == nullptr || !member->IsString()) return "";
+  return {member->GetString(), member->GetStringLength()};
+}
+
+std::optional<int64_t> IntegerOf(const rapidjson::Value& object, std::string_view name) {
+  const rapidjson::Value* const member = FindMember(object, name);
+  if (member == nullptr || !member->IsInt64()) return std::nullopt;
+  return member->GetInt64();
+}
+
+}  // namespace
+
+void CHappeningReader::OnCommand(std::string_view topic, std::string_view text) {
+  if (topic == "TRADE.NEWORDER") {
+    m_tell(ReadOrder(text));
+  } else if (topic == "TRADE.CANCELORDER") {
+    m_tell(CancelSent{std::string(OrderField(text, "REPORTID")), std::string(text)});
+  } else if (topic == "MSG.NewStrategyOrder") {
+    // The same text goes out on a second topic.
+    OnMessage(text);
+  }
+}
+
+void CHappeningReader::OnMessage(std::string_view json) {
+  rapidjson::Document message;
+  if (ParseJson(json, message)) return;
+  const rapidjson::Value* const data = FindMember(message, "Data");
+  if (data == nullptr) return;
+  const std::string strategy = TextOf(message, "StrategyType") + '_' + TextOf(message, "StrategyID") + '_' +
+                               TextOf(message, "StrategySN");
+  const std::string kind = TextOf(message, "MsgType");
+  if (kind == "Scanner") {
+    const rapidjson::Value* const price = FindMember(*data, "OpenPrice");
+    const std::optional<int64_t> accepted = IntegerOf(*data, "OpenPriceOK");
+    if (price == nullptr || !accepted) return;
+    m_tell(OptionJudged{strategy, TextOf(*data, "Symbol"), WriteJson(*price), *accepted == 1});
+  } else if (kind == "Order") {
+    const int64_t result = IntegerOf(*data, "Result").value_or(0);
+    const int64_t action = IntegerOf(*data, "Action").value_or(0);
+    // An announcement: the order or cancel itself follows.
+    const bool announces = FindMember(*data, "Qty") != nullptr || action == 3;
+    if (!announces) m_tell(OrderAnswered{strategy, TextOf(*data, "Symbol"), action, result});
+  }
+}
+
+void CHappeningReader::OnLog(std::string_view text) {
+  TakePrefix(text, kEnginePrefix);
+  if (TakePrefix(text, kStrategyPrefix)) {
+    const size_t end = text.find("> ");
+    if (end == std::string_view::npos) return;
+    // Behind the key stands the number of the object.
+    const std::string_view owner = text.substr(0, end);
+    OnStrategyLog(std::string(owner.substr(0, owner.rfind('.'))), text.substr(end + 2));
+  } else if (text.starts_with("[OpenLottery] Start. ")) {
+    const std::string strategy(Between(text, "strStrategyKey=", ", idx=").value_or(""));
+    if (m_strategies.try_emplace(strategy).second) m_tell(StrategyStarted{strategy});
+  } else if (const auto gone = Between(text, "DelStrategy. StrategyKey=", "\n")) {
+    // The line ends with a full stop of its own.
+    const std::string strategy(gone->substr(0, gone->rfind('.')));
+    if (m_strategies.erase(strategy) != 0) m_tell(StrategyGone{strategy});
+  } else if (text.starts_with("JSON Parse Fail! ")) {
+    m_tell(CommandRefused{std::string(Between(text, "JSON Parse Fail! ", ", strOrderInfo=").value_or(""))});
+  }
+}
+
+void CHappeningReader::OnStrategyLog(const std::string& strategy, std::string_view text) {
+  if (text.starts_with("AfterParseOrderInfo. StartRun=")) {
+    m_strategies[strategy].startsAtOnce = text.starts_with("AfterParseOrderInfo. StartRun=RUN");
+  } else if (text.starts_with("Reset. ")) {
+    ChangeState(strategy, 0);
+  } else if (text.starts_with("TimeStamp=")) {
+    ChangeState(strategy, std::exchange(m_strategies[strategy].startsAtOnce, false) ? 2 : 1);
+  } else if (text == "Start. m_lStatus=1.") {
+    ChangeState(strategy, 2);
+  } else if (text == "Wait Reset.") {
+    ChangeState(strategy, -1);
+  } else if (text == "Stop.") {
+    ChangeState(strategy, -2);
+  } else if (text.starts_with("DoPlaceOrder Done. ")) {
+    if (const auto cash = IntegerBetween(text, "llTotalCashOrder=", "."))
+      m_tell(BatchPlaced{strategy, *cash});
+    if (const auto state = IntegerBetween(text, "m_lStatus=", ",")) ChangeState(strategy, *state);
+  } else if (text.starts_with("DoPlaceOrder. m_lStatus=") || text.starts_with("Start. m_lStatus=")) {
+    if (const auto state = IntegerBetween(text, "m_lStatus=", ".")) ChangeState(strategy, *state);
+  }
+}
+
+void CHappeningReader::ChangeState(const std::string& strategy, int64_t state) {
+  Strategy& known = m_strategies[strategy];
+  if (known.state == state) return;
+  known.state = state;
+  m_tell(StateChanged{strategy, state});
+}
+
+void CHappeningReader::OnFault(std::string_view thread, std::string_view code, std::string_view text) {
+  m_tell(FaultReported{std::string(thread), std::string(code), std::string(text)});
+}
+
+}  // namespace iorder

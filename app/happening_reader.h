@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "app/happening.h"
+
+namespace iorder {
+
+/// Reads happenings from the engine's events. States of strategies don't show in events of their own: they
+/// are read from the log lines that each change goes with. Texts are UTF-8. Not for several threads at once.
+class CHappeningReader {
+ public:
+  explicit CHappeningReader(std::function<void(const Happening&)> tell) : m_tell(std::move(tell)) {}
+
+  void OnCommand(std::string_view topic, std::string_view text);
+  void OnLog(std::string_view text);
+  void OnFault(std::string_view thread, std::string_view code, std::string_view text);
+
+ private:
+  void OnMessage(std::string_view json);
+  void OnStrategyLog(const std::string& strategy, std::string_view text);
+  void ChangeState(const std::string& strategy, int64_t state);
+
+  std::function<void(const Happening&)> m_tell;
+  struct Strategy {
+    int64_t state = -1;
+    bool startsAtOnce = false;  ///< its next Reset ends in a run
+  };
+  std::map<std::string, Strategy> m_strategies;
+};
+
+}  // namespace iorder

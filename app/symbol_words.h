@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "records/scaled_value.h"
+
+namespace iorder {
+
+/// A symbol as a trader says it: "ND.O.TWF.TX.202403.C.18000" is "TX Mar24 18000 call", "ND.F.TWF.TX.HOT" is
+/// "TX hot month future". What doesn't follow the grammar stays as it is.
+std::string SymbolWords(std::string_view symbol);
+
+/// The decimal that a scaled value stands for, exactly and without trailing zeros; "none" for NoValue.
+std::string DecimalText(ScaledValue value);
+
+}  // namespace iorder
