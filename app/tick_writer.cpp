@@ -21,12 +21,14 @@ void AppendNumber(std::string& text, int64_t number) {
 
 }  // namespace
 
-CTickWriter::CTickWriter(const std::filesystem::path& path) : m_file(path) {
-  m_text = "at,symbol,price,qty,volume,open\n";
+CTickWriter::CTickWriter(const std::filesystem::path& path, std::optional<std::chrono::hours> utcOffset)
+    : m_file(path), m_utcOffset(utcOffset) {
+  m_text = utcOffset ? "at,date,time,symbol,price,qty,volume,open\n" : "at,symbol,price,qty,volume,open\n";
 }
 
 void CTickWriter::Append(const TradeRow& row) {
   AppendTime(row.at);
+  if (m_utcOffset) AppendUtc(row.at - *m_utcOffset);
   m_text.append(",").append(row.symbol).append(",").append(row.price).append(",");
   AppendNumber(m_text, row.quantity);
   m_text += ',';
@@ -58,6 +60,18 @@ void CTickWriter::AppendTime(LocalMoment at) {
   if (time % 1000 == 0) return;
   m_text += '.';
   AppendDigits(m_text, time % 1000, 3);
+}
+
+void CTickWriter::AppendUtc(LocalMoment utc) {
+  const auto day = std::chrono::floor<std::chrono::days>(utc);
+  const std::chrono::year_month_day date(day);
+  m_text += ',';
+  AppendDigits(m_text, static_cast<int>(date.year()), 4);
+  AppendDigits(m_text, static_cast<unsigned>(date.month()), 2);
+  AppendDigits(m_text, static_cast<unsigned>(date.day()), 2);
+  const int64_t time = (utc - day).count();
+  m_text += ',';
+  AppendNumber(m_text, time / 3600000 * 10000 + time / 60000 % 60 * 100 + time / 1000 % 60);
 }
 
 void CTickWriter::Flush() {

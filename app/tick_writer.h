@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,16 +25,21 @@ struct TradeRow {
 /// Writes a tick file. Rows come in order of time. Raises what COutputFile raises.
 class CTickWriter {
  public:
-  explicit CTickWriter(const std::filesystem::path& path);
+  /// With the offset of the local clock from UTC, each row also says its date and time in UTC; without it a
+  /// row takes them from the clock when it is played.
+  explicit CTickWriter(const std::filesystem::path& path,
+                       std::optional<std::chrono::hours> utcOffset = std::nullopt);
 
   void Append(const TradeRow& row);
   void Commit();
 
  private:
   void AppendTime(LocalMoment at);
+  void AppendUtc(LocalMoment utc);
   void Flush();
 
   COutputFile m_file;
+  const std::optional<std::chrono::hours> m_utcOffset;
   std::string m_text;  ///< rows that are gathered to a large piece
   std::chrono::local_days m_date{};
   bool m_hasDate = false;
