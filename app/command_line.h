@@ -18,6 +18,7 @@ enum ExitCode : int {
 using Job = std::function<int()>;
 
 /// Each adds one command to the program. When the command is the one given, `job` becomes what it does.
+void AddImportCommand(CLI::App& program, Job& job);
 void AddMakeDayCommand(CLI::App& program, Job& job);
 
 /// Validators whose message says what was expected.

@@ -46,6 +46,7 @@ int RunProgram(int argc, char** argv) {
       "Exit codes: 0 done, 1 the thing asked about is wrong, 2 wrong usage or wrong input.\n"
       "iorder COMMAND --help tells the options of a command, with examples.");
   Job job;
+  AddImportCommand(program, job);
   AddMakeDayCommand(program, job);
 
   if (const std::optional<int> exitCode = ReadCommandLine(program, argc, argv)) return *exitCode;

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "app/option_price.h"
+#include "app/symbol_words.h"
 
 namespace iorder {
 namespace {

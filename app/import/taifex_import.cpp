@@ -10,6 +10,7 @@
 #include "app/import/taifex_ticks.h"
 #include "app/import/taifex_trades.h"
 #include "app/make_day.h"
+#include "app/symbol_words.h"
 #include "app/tick_writer.h"
 
 namespace iorder {

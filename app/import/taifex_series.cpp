@@ -4,11 +4,12 @@
 
 #include <charconv>
 
+#include "app/symbol_words.h"
+
 namespace iorder {
 namespace {
 
 constexpr int kMonthSeriesWeek = 3;
-constexpr ScaledValue kOne = 10'000'000'000;
 
 /// Not ok() if the month has no such week.
 std::chrono::year_month_weekday LastWednesday(const TaifexExpiry& expiry) {
@@ -53,15 +54,6 @@ std::string TaifexSeries::Symbol() const {
 
 std::string TaifexSeries::UnderlyingProductSymbol() const {
   return TaifexSeries{Kind::kFuture, expiry, 0, 0}.ProductSymbol();
-}
-
-std::string DecimalText(ScaledValue value) {
-  std::string text = std::to_string(value / kOne);
-  if (value % kOne != 0) {
-    text += fmt::format(".{:010}", value % kOne);
-    text.erase(text.find_last_not_of('0') + 1);
-  }
-  return text;
 }
 
 }  // namespace iorder

@@ -49,7 +49,4 @@ struct TaifexSeries {
   std::string UnderlyingProductSymbol() const;
 };
 
-/// A scaled value in decimal digits, without zeros at its end: 0.5, 17000.
-std::string DecimalText(ScaledValue value);
-
 }  // namespace iorder

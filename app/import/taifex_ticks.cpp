@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/import/import_error.h"
+#include "app/symbol_words.h"
 
 namespace iorder {
 

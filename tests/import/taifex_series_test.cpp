@@ -63,12 +63,5 @@ TEST(TaifexSession, BothEndsBelongToIt) {
   }
 }
 
-TEST(DecimalText, HasNoZerosAtItsEnd) {
-  EXPECT_EQ(DecimalText(ParseScaled("17000").value()), "17000");
-  EXPECT_EQ(DecimalText(ParseScaled("0.50").value()), "0.5");
-  EXPECT_EQ(DecimalText(ParseScaled(".62").value()), "0.62");
-  EXPECT_EQ(DecimalText(ParseScaled("12.0000000001").value()), "12.0000000001");
-}
-
 }  // namespace
 }  // namespace iorder

@@ -90,10 +90,10 @@ def main(program, data):
     source = Path(data) / "taifex_20210726"
     for session in ("night", "day"):
         with tempfile.TemporaryDirectory() as folder:
-            day = Path(folder) / session
+            day = Path(folder) / f"{session}.day.jsonl"
             import_session(program, source, session, day)
-            listed = check_listing(f"{day}.day.jsonl", source)
-            found, expected = imported_series(f"{day}.ticks.csv"), expected_series(source, session)
+            listed = check_listing(day, source)
+            found, expected = imported_series(Path(folder) / f"{session}.ticks.csv"), expected_series(source, session)
             assert expected, "an empty summary"
             wrong = [symbol for symbol in sorted(found.keys() | expected.keys()) if found.get(symbol) != expected.get(symbol)]
             for symbol in wrong:
