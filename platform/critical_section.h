@@ -7,8 +7,9 @@
 
 namespace iorder {
 
-/// The lock of the engine's classes: re-entrant, named, and known to clang's thread-safety analysis. Made by the runtime,
-/// so that in virtual time a blocked thread counts as blocked and the order of locks is recorded.
+/// The lock of the engine's classes: re-entrant, named, and known to clang's thread-safety analysis. Made by
+/// the runtime, so that in virtual time a blocked thread counts as blocked and the order of locks is
+/// recorded.
 class IORDER_CAPABILITY("critical section") CCriticalSection {
  public:
   /// `name` as in IRuntime::CreateLock; it must outlive the object (a literal).
@@ -26,7 +27,9 @@ class IORDER_CAPABILITY("critical section") CCriticalSection {
 /// Holds a critical section for the length of a block.
 class IORDER_SCOPED_CAPABILITY CLockGuard {
  public:
-  explicit CLockGuard(CCriticalSection& section) IORDER_ACQUIRE(section) : m_section(section) { m_section.Enter(); }
+  explicit CLockGuard(CCriticalSection& section) IORDER_ACQUIRE(section) : m_section(section) {
+    m_section.Enter();
+  }
   ~CLockGuard() IORDER_RELEASE() { m_section.Leave(); }
   CLockGuard(const CLockGuard&) = delete;
   CLockGuard& operator=(const CLockGuard&) = delete;

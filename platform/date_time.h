@@ -36,12 +36,19 @@ constexpr int64_t ToTime6(const DateTime& time) {
 }
 
 /// The minute of the day as the decimal number hhmm.
-constexpr int64_t ToTime4(const DateTime& time) { return time.hour * 100LL + time.minute; }
+constexpr int64_t ToTime4(const DateTime& time) {
+  return time.hour * 100LL + time.minute;
+}
 
 /// The moment as the decimal number YYYYMMDDhhmmss.
-constexpr int64_t ToDateTime14(const DateTime& time) { return ToDate8(time) * 1000000 + ToTime6(time); }
+constexpr int64_t ToDateTime14(const DateTime& time) {
+  return ToDate8(time) * 1000000 + ToTime6(time);
+}
 
-/// The moment as the decimal number YYYYMMDDhhmmssmmm; modulo 100000 it gives the milliseconds within the minute.
-constexpr int64_t ToDateTime17(const DateTime& time) { return ToDateTime14(time) * 1000 + time.millisecond; }
+/// The moment as the decimal number YYYYMMDDhhmmssmmm; modulo 100000 it gives the milliseconds within the
+/// minute.
+constexpr int64_t ToDateTime17(const DateTime& time) {
+  return ToDateTime14(time) * 1000 + time.millisecond;
+}
 
 }  // namespace iorder

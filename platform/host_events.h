@@ -8,8 +8,9 @@
 
 namespace iorder {
 
-/// The host's sink for the engine's events: every request of the engine goes out through one of these. Any engine thread
-/// may call, several at once. A sink that fails gives no reply (nullopt, or an empty value); nothing is raised.
+/// The host's sink for the engine's events: every request of the engine goes out through one of these. Any
+/// engine thread may call, several at once. A sink that fails gives no reply (nullopt, or an empty value);
+/// nothing is raised.
 class IHostEvents {
  public:
   virtual ~IHostEvents() = default;
@@ -28,8 +29,8 @@ class IHostEvents {
   /// Event 7: one line of the log.
   virtual void WriteLog(const std::wstring& text) = 0;
 
-  /// Not one of the numbered events: an exception ended one message or timer callback of an engine thread. `code` is the
-  /// platform's error code (0x80070057 and so on).
+  /// Not one of the numbered events: an exception ended one message or timer callback of an engine thread.
+  /// `code` is the platform's error code (0x80070057 and so on).
   virtual void ReportFault(uint32_t code, const std::wstring& text) = 0;
 };
 
@@ -38,8 +39,8 @@ class INordoManager {
  public:
   virtual ~INordoManager() = default;
   virtual void SetPhase(int32_t category, int32_t phase) = 0;
-  virtual void OnTopicMessage(const std::wstring& topic, int32_t first, int32_t second, const std::wstring& text,
-                              const Value& value) = 0;
+  virtual void OnTopicMessage(const std::wstring& topic, int32_t first, int32_t second,
+                              const std::wstring& text, const Value& value) = 0;
 };
 
 }  // namespace iorder

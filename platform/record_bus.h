@@ -19,14 +19,14 @@ class IBusEvents {
 
 /// The read codes of IBusObject::GetValue.
 namespace read_code {
-inline constexpr int32_t kNumber = 1;        ///< numeric field by id: 64-bit value
-inline constexpr int32_t kField = 3;         ///< text field by name: a value of any kind
-inline constexpr int32_t kItem = 4;          ///< -1: number of items; index or name: the item's handle
-inline constexpr int32_t kItemByName = 5;    ///< name: the item's handle
-inline constexpr int32_t kNode = 6;          ///< -1: number of nodes; index: the node's handle
-inline constexpr int32_t kNodeByName = 7;    ///< name: the node's handle
-inline constexpr int32_t kNames = 11;        ///< 16384: names of the nodes; 1024: text for a copy
-inline constexpr int32_t kContent = 17;      ///< the text of kNames 1024: a value that stands for the content
+inline constexpr int32_t kNumber = 1;      ///< numeric field by id: 64-bit value
+inline constexpr int32_t kField = 3;       ///< text field by name: a value of any kind
+inline constexpr int32_t kItem = 4;        ///< -1: number of items; index or name: the item's handle
+inline constexpr int32_t kItemByName = 5;  ///< name: the item's handle
+inline constexpr int32_t kNode = 6;        ///< -1: number of nodes; index: the node's handle
+inline constexpr int32_t kNodeByName = 7;  ///< name: the node's handle
+inline constexpr int32_t kNames = 11;      ///< 16384: names of the nodes; 1024: text for a copy
+inline constexpr int32_t kContent = 17;    ///< the text of kNames 1024: a value that stands for the content
 }  // namespace read_code
 
 /// Selectors of read code 11.
@@ -57,8 +57,8 @@ class IBusObject {
   /// Dispatch id 4.
   virtual void EndWrite(int32_t token) = 0;
 
-  /// Connects a sink for the record's events; the cookie isn't 0. The bus may still be calling a sink when Unadvise
-  /// returns, and holds a reference for as long.
+  /// Connects a sink for the record's events; the cookie isn't 0. The bus may still be calling a sink when
+  /// Unadvise returns, and holds a reference for as long.
   virtual int32_t Advise(std::shared_ptr<IBusEvents> sink) = 0;
   virtual void Unadvise(int32_t cookie) = 0;
 };

@@ -12,9 +12,9 @@
 
 namespace iorder {
 
-/// Raised inside a thread that was ended by force, at its next platform call; it unwinds the thread's stack and ends
-/// in the runtime. It is no std::exception, so that a handler for errors doesn't hold it up. Whoever writes
-/// `catch (...)` must let it pass.
+/// Raised inside a thread that was ended by force, at its next platform call; it unwinds the thread's stack
+/// and ends in the runtime. It is no std::exception, so that a handler for errors doesn't hold it up. Whoever
+/// writes `catch (...)` must let it pass.
 struct ThreadCutOff {};
 
 /// One message of a thread's queue: a number and two words whose meaning belongs to the number.
@@ -30,6 +30,12 @@ inline constexpr uint32_t kQuitMessage = 18;
 /// 128 random bits that name something uniquely.
 struct Guid {
   uint8_t bytes[16] = {};
+};
+
+/// Why the platform refused something: its error code, and its words for it if it has any.
+struct PlatformError {
+  int32_t code = 0;
+  std::wstring description;
 };
 
 /// Something that a thread can wait for with IRuntime::Wait.
@@ -48,11 +54,12 @@ class IEvent : public IWaitable {
   virtual void Reset() = 0;
 };
 
-/// A timer that signals itself. It resets when it releases a waiting thread, so that firings nobody waited for collapse
-/// into one. All operations may come from any thread.
+/// A timer that signals itself. It resets when it releases a waiting thread, so that firings nobody waited
+/// for collapse into one. All operations may come from any thread.
 class IWaitableTimer : public IWaitable {
  public:
-  /// Counts from now: signals after `first`, then every `period` (0: once). Takes back an earlier arming and its signal.
+  /// Counts from now: signals after `first`, then every `period` (0: once). Takes back an earlier arming and
+  /// its signal.
   virtual bool Arm(Milliseconds first, Milliseconds period) = 0;
   /// Stops the timer; its signal stays as it is. False if the platform refuses.
   virtual bool Cancel() = 0;
@@ -67,12 +74,12 @@ class IThread : public IWaitable {
   virtual void Resume() = 0;
   /// Appends a message to the thread's queue; from any thread. False once the thread has ended.
   virtual bool Post(const ThreadMessage& message) = 0;
-  /// Takes the oldest message without waiting, from any thread: what a message owns can so be freed when its thread has
-  /// ended.
+  /// Takes the oldest message without waiting, from any thread: what a message owns can so be freed when its
+  /// thread has ended.
   virtual std::optional<ThreadMessage> TakeMessage() = 0;
-  /// Ends the thread by force: it is unwound with ThreadCutOff at its next platform call, or at the one that it is
-  /// blocked in. Returns at once; wait for the thread before anything that it may touch is freed. A thread that hasn't
-  /// begun never begins.
+  /// Ends the thread by force: it is unwound with ThreadCutOff at its next platform call, or at the one that
+  /// it is blocked in. Returns at once; wait for the thread before anything that it may touch is freed. A
+  /// thread that hasn't begun never begins.
   virtual void Terminate() = 0;
 };
 
@@ -84,26 +91,32 @@ class ILock {
   virtual void Leave() noexcept = 0;
 };
 
-/// What the engine asks of the machine: threads, events, timers, locks, clocks, ids. There is no other way to any of
-/// them. `native` answers with real threads and the machine's clock, `virtual` with fibers and a clock of its own.
+/// What the engine asks of the machine: threads, events, timers, locks, clocks, ids. There is no other way to
+/// any of them. `native` answers with real threads and the machine's clock, `virtual` with fibers and a clock
+/// of its own.
 ///
-/// All operations may come from any thread of the runtime. Everything that a runtime gives out must be gone before the
-/// runtime goes.
+/// All operations may come from any thread of the runtime. Everything that a runtime gives out must be gone
+/// before the runtime goes.
 class IRuntime {
  public:
   virtual ~IRuntime() = default;
 
-  /// A new thread that waits for Resume, or none if the platform can't give one. `body` runs on it once. The name
-  /// shows in traces and reports. An exception that leaves `body` (other than ThreadCutOff) ends the process.
+  /// A new thread that waits for Resume, or none if the platform can't give one. `body` runs on it once. The
+  /// name shows in traces and reports. An exception that leaves `body` (other than ThreadCutOff) ends the
+  /// process.
   virtual std::shared_ptr<IThread> CreateThread(std::wstring name, std::function<void()> body) = 0;
+  /// Why the last CreateThread gave none. 8 is the platform's code for "not enough memory".
+  virtual PlatformError LastError() { return {.code = 8, .description = {}}; }
   virtual std::unique_ptr<IEvent> CreateEvent(EventReset reset, bool signalled) = 0;
   /// `name` is unique among living timers.
   virtual std::unique_ptr<IWaitableTimer> CreateWaitableTimer(std::wstring name) = 0;
-  /// `name` says what the lock guards; locks of the same role share a name, and the order of locks is kept by name.
+  /// `name` says what the lock guards; locks of the same role share a name, and the order of locks is kept by
+  /// name.
   virtual std::unique_ptr<ILock> CreateLock(const char* name) = 0;
 
-  /// Waits until one of `what` is signalled and returns its index, the lowest if there are several; that one is reset if
-  /// it resets itself. None when `limit` has passed first (a limit of 0 only looks); without a limit it waits for ever.
+  /// Waits until one of `what` is signalled and returns its index, the lowest if there are several; that one
+  /// is reset if it resets itself. None when `limit` has passed first (a limit of 0 only looks); without a
+  /// limit it waits for ever.
   virtual std::optional<size_t> Wait(std::span<IWaitable* const> what, std::optional<Milliseconds> limit) = 0;
   /// The same for one.
   bool Wait(IWaitable& what, std::optional<Milliseconds> limit) {
@@ -121,18 +134,19 @@ class IRuntime {
   virtual DateTime UtcTime() = 0;
 
   virtual Guid NewGuid() = 0;
-  /// A small number for an object whose address would otherwise show in texts: 1, 2, 3 and so on, never given twice.
+  /// A small number for an object whose address would otherwise show in texts: 1, 2, 3 and so on, never given
+  /// twice.
   virtual uint32_t NewObjectNumber() = 0;
 
-  /// A 64-bit value that stands for an object when it travels to the host, until ReleaseReference. Its low 32 bits alone
-  /// may be sent too.
+  /// A 64-bit value that stands for an object when it travels to the host, until ReleaseReference. Its low 32
+  /// bits alone may be sent too.
   virtual int64_t MakeReference(void* object) = 0;
   /// The object, or none for a value that stands for nothing.
   virtual void* ResolveReference(int64_t reference) = 0;
   virtual void ReleaseReference(int64_t reference) = 0;
 
-  /// While a shield is up on the calling thread, ThreadCutOff isn't raised there: waits return as timed out instead. Use
-  /// CutOffShield.
+  /// While a shield is up on the calling thread, ThreadCutOff isn't raised there: waits return as timed out
+  /// instead. Use CutOffShield.
   virtual void RaiseShield() noexcept = 0;
   virtual void LowerShield() noexcept = 0;
 };

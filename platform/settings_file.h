@@ -11,8 +11,8 @@ class ISettingsFile {
   virtual ~ISettingsFile() = default;
   /// The value, cut to `limit` - 1 characters; `fallback` if the file, section or key is missing. `path` uses
   /// backslashes. From any thread.
-  virtual std::wstring ReadString(const std::wstring& path, const std::wstring& section, const std::wstring& key,
-                                  const std::wstring& fallback, size_t limit) = 0;
+  virtual std::wstring ReadString(const std::wstring& path, const std::wstring& section,
+                                  const std::wstring& key, const std::wstring& fallback, size_t limit) = 0;
 };
 
 }  // namespace iorder

@@ -24,15 +24,18 @@ class IRecordSet {
   virtual bool Fetch(int32_t index, IRecordItem& row) = 0;
 };
 
-/// A connection to the host's symbol database. Calls on one connection come from several threads, but not at once.
+/// A connection to the host's symbol database. Calls on one connection come from several threads, but not at
+/// once.
 class ISymbolDatabase {
  public:
   virtual ~ISymbolDatabase() = default;
   /// Below 1 is failure.
   virtual int32_t Connect(const std::wstring& server, const std::wstring& systemName) = 0;
-  virtual int32_t SelectTable(const std::wstring& database, const std::wstring& table, const std::wstring& extra) = 0;
+  virtual int32_t SelectTable(const std::wstring& database, const std::wstring& table,
+                              const std::wstring& extra) = 0;
   /// Runs a where-clause (with what follows it) on a table and fills `rows`. False on failure.
-  virtual bool Query(const std::wstring& table, const std::wstring& where, const std::wstring& extra, IRecordSet& rows) = 0;
+  virtual bool Query(const std::wstring& table, const std::wstring& where, const std::wstring& extra,
+                     IRecordSet& rows) = 0;
 };
 
 /// Receives the events of the database component.
@@ -43,12 +46,14 @@ class CDataBaseEventReceiver {
   virtual void OnWriteLog(const std::wstring&) {}
 };
 
-/// The host's database component. Each operation gives none if the component, or that class of it, isn't there.
+/// The host's database component. Each operation gives none if the component, or that class of it, isn't
+/// there.
 class ISymbolDatabaseComponent {
  public:
   virtual ~ISymbolDatabaseComponent() = default;
   /// `baseFolder` ends in a backslash. `receiver` may be none; it outlives the connection.
-  virtual std::unique_ptr<ISymbolDatabase> CreateDatabase(const std::wstring& baseFolder, CDataBaseEventReceiver* receiver) = 0;
+  virtual std::unique_ptr<ISymbolDatabase> CreateDatabase(const std::wstring& baseFolder,
+                                                          CDataBaseEventReceiver* receiver) = 0;
   virtual std::unique_ptr<IRecordSet> CreateRecordSet() = 0;
   virtual std::unique_ptr<IRecordItem> CreateRecordItem() = 0;
 };

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <rapidjson/document.h>
+
+#include <string>
 
 namespace iorder {
 
@@ -11,12 +11,12 @@ class IRuntime;
 class ISettingsFile;
 class ISymbolDatabaseComponent;
 
-/// The document that a "GLACETTE.REQUEST" is answered in: the engine makes it, the host fills it in through the reference
-/// that travels with the request (IRuntime::MakeReference of an AnswerDocument*).
+/// The document that a "GLACETTE.REQUEST" is answered in: the engine makes it, the host fills it in through
+/// the reference that travels with the request (IRuntime::MakeReference of an AnswerDocument*).
 using AnswerDocument = rapidjson::Document;
 
-/// Everything that the engine asks of the world, but for the events, whose sinks the host connects itself. All of it must
-/// outlive the engine.
+/// Everything that the engine asks of the world, but for the events, whose sinks the host connects itself.
+/// All of it must outlive the engine.
 struct World {
   IRuntime& runtime;
   IRecordBus& bus;

@@ -33,7 +33,7 @@ class CLockedStringMap {
   /// Enters the value if the key isn't there yet. True if it was new.
   bool Insert(const std::wstring& key, const Value& value) {
     CLockGuard guard(m_cs);
-    return m_map.emplace(key, value).second;
+    return m_map.try_emplace(key, value).second;
   }
 
  private:

@@ -11,24 +11,25 @@ namespace iorder {
 
 class CStrategy;
 
-/// What a strategy may ask of the engine. All operations may come from any thread; those that take the engine's strategy
-/// lock say so, and a strategy calls them under none of its own locks.
+/// What a strategy may ask of the engine. All operations may come from any thread; those that take the
+/// engine's strategy lock say so, and a strategy calls them under none of its own locks.
 class IStrategyHost {
  public:
   virtual ~IStrategyHost() = default;
 
   virtual World& GetWorld() = 0;
   virtual void WriteLog(const std::wstring& text) = 0;
-  virtual std::unique_ptr<CBaseData> OpenRecord(const std::wstring& name, CBaseDataEventReceiver* receiver) = 0;
-  virtual Value SendHostEvent(const std::wstring& topic, int32_t first, int32_t second, const std::wstring& text,
-                              const Value& value) = 0;
+  virtual std::unique_ptr<CBaseData> OpenRecord(const std::wstring& name,
+                                                CBaseDataEventReceiver* receiver) = 0;
+  virtual Value SendHostEvent(const std::wstring& topic, int32_t first, int32_t second,
+                              const std::wstring& text, const Value& value) = 0;
 
-  /// Posts `message` for `strategy` to the engine's message thread: delivered in order there, dropped if the strategy has
-  /// gone by then.
+  /// Posts `message` for `strategy` to the engine's message thread: delivered in order there, dropped if the
+  /// strategy has gone by then.
   virtual void PostEngineMessage(uint32_t message, CStrategy* strategy, uintptr_t extra) = 0;
 
-  /// Tells the host to deliver quotes of `symbol`, or to stop, unless another strategy or a group order holds it. They take
-  /// the engine's strategy lock.
+  /// Tells the host to deliver quotes of `symbol`, or to stop, unless another strategy or a group order holds
+  /// it. They take the engine's strategy lock.
   virtual void SubQuote(const std::wstring& symbol) = 0;
   virtual void UnsubQuote(const std::wstring& symbol) = 0;
 

@@ -1,0 +1,162 @@
+#include "strategy/strategy.h"
+
+#include <fmt/printf.h>
+#include <fmt/xchar.h>
+
+#include <utility>
+
+#include "platform/text.h"
+#include "records/json_document.h"
+#include "records/number_text.h"
+#include "strategy/json_reader.h"
+
+namespace iorder {
+
+std::wstring TagOfID(const std::wstring& strategyID) {
+  return strategyID.substr(0, strategyID.find(L'#'));
+}
+
+CStrategy::CStrategy(IStrategyHost& owner)
+    : m_owner(owner),
+      m_objectNumber(owner.GetWorld().runtime.NewObjectNumber()),
+      m_csIdentity(owner.GetWorld().runtime, "identity lock"),
+      m_csOrderInfo(owner.GetWorld().runtime, "order info lock"),
+      m_csQuote(owner.GetWorld().runtime, "quote lock"),
+      m_csReverse(owner.GetWorld().runtime, "reverse lock") {}
+
+CStrategy::~CStrategy() {
+  CloseAllQuotes();
+}
+
+CStrategyIdentity CStrategy::Identity() const {
+  CLockGuard guard(m_csIdentity);
+  return m_identity;
+}
+
+std::wstring CStrategy::Key() const {
+  CLockGuard guard(m_csIdentity);
+  return m_identity.m_strStrategyKey;
+}
+
+void CStrategy::SetKey(const std::wstring& key) {
+  CLockGuard guard(m_csIdentity);
+  m_identity.m_strStrategyKey = key;
+}
+
+void CStrategy::SetUserKey2(const std::wstring& text) {
+  CLockGuard guard(m_csIdentity);
+  m_identity.m_strUserKey2 = text;
+}
+
+void CStrategy::ParseStrategyInfo(rapidjson::Document& document) {
+  {
+    CLockGuard guard(m_csOrderInfo);
+    m_orderInfo.Swap(document);
+  }
+  CStrategyIdentity identity;
+  identity.m_strStrategyKey = Key();
+  identity.m_strStrategyType = ReadJsonString(m_orderInfo, "StrategyType");
+  identity.m_strStrategyID = ReadJsonString(m_orderInfo, "StrategyID");
+  identity.m_strStrategySN = ReadJsonString(m_orderInfo, "StrategySN");
+  identity.m_strStrategyTag = ReadJsonString(m_orderInfo, "StrategyTag");
+  if (identity.m_strStrategyTag.empty()) identity.m_strStrategyTag = TagOfID(identity.m_strStrategyID);
+  identity.m_strBrokerID = ReadJsonString(m_orderInfo, "BrokerID");
+  identity.m_strAccount = ReadJsonString(m_orderInfo, "Account");
+  identity.m_strUserKey1 = ReadJsonString(m_orderInfo, "UserKey1");
+  identity.m_strUserKey2 = ReadJsonString(m_orderInfo, "UserKey2");
+  identity.m_strUserKey3 = ReadJsonString(m_orderInfo, "UserKey3");
+  identity.m_strProcessID = ReadJsonString(m_orderInfo, "ProcessID");
+  {
+    CLockGuard guard(m_csIdentity);
+    m_identity = std::move(identity);
+  }
+  ParseOrderInfo();
+  AfterParseOrderInfo();
+}
+
+std::wstring CStrategy::OrderInfoText() const {
+  CLockGuard guard(m_csOrderInfo);
+  return ToWide(WriteJson(m_orderInfo));
+}
+
+void CStrategy::WriteLog(const std::wstring& message) {
+  m_owner.WriteLog(fmt::sprintf(L"[OpenLottery]<%s.%x> %s", Key(), m_objectNumber, message));
+}
+
+void CStrategy::DelStrategy() {
+  WriteLog(L"DelStrategy.");
+  PostEvent(kDelStrategyMessage);
+}
+
+bool CStrategy::HasQuote(const std::wstring& symbol) {
+  CLockGuard guard(m_csQuote);
+  return m_mapQuote.contains(symbol);
+}
+
+CStrategy::QuoteHandle CStrategy::GetQuote(const std::wstring& symbol) {
+  CLockGuard guard(m_csQuote);
+  const auto found = m_mapQuote.find(symbol);
+  return found == m_mapQuote.end() ? nullptr : found->second;
+}
+
+int64_t CStrategy::GetQuoteField(const std::wstring& symbol, int32_t id) {
+  const QuoteHandle handle = GetQuote(symbol);
+  return handle != nullptr ? handle->GetFieldById(id) : NoValue;
+}
+
+bool CStrategy::IsQuoteValid(const std::wstring& symbol) {
+  const QuoteHandle handle = GetQuote(symbol);
+  return handle != nullptr && handle->GetInt(L"MCODE", NoInt) > 0;
+}
+
+std::shared_ptr<const std::wstring> CStrategy::SymbolOf(CBaseData* handle) {
+  CLockGuard guard(m_csReverse);
+  const auto found = m_mapReverse.find(handle);
+  return found == m_mapReverse.end() ? nullptr : found->second;
+}
+
+CStrategy::QuoteHandle CStrategy::SubscribeQuote(const std::wstring& symbol) {
+  if (HasQuote(symbol)) return nullptr;
+  m_owner.SubQuote(symbol);
+  CLockGuard guard(m_csQuote);
+  const auto [entry, isNew] = m_mapQuote.try_emplace(symbol);
+  if (!isNew) return nullptr;  // another thread was quicker
+  const QuoteHandle handle = m_owner.OpenRecord(symbol, this);
+  entry->second = handle;
+  CLockGuard reverseGuard(m_csReverse);
+  m_mapReverse.insert_or_assign(handle.get(), std::make_shared<const std::wstring>(symbol));
+  return handle;
+}
+
+void CStrategy::UnsubscribeQuote(const std::wstring& symbol) {
+  {
+    QuoteHandle handle;
+    CLockGuard guard(m_csQuote);
+    const auto found = m_mapQuote.find(symbol);
+    if (found == m_mapQuote.end()) return;
+    handle = std::move(found->second);
+    m_mapQuote.erase(found);
+    CLockGuard reverseGuard(m_csReverse);
+    m_mapReverse.erase(handle.get());
+  }
+  m_owner.UnsubQuote(symbol);
+}
+
+void CStrategy::CloseAllQuotes() {
+  std::map<std::wstring, QuoteHandle> quotes;
+  {
+    CLockGuard guard(m_csQuote);
+    quotes.swap(m_mapQuote);
+    CLockGuard reverseGuard(m_csReverse);
+    m_mapReverse.clear();
+  }
+  for (auto& [symbol, handle] : quotes) handle.reset();
+  for (const auto& [symbol, handle] : quotes) m_owner.UnsubQuote(symbol);
+}
+
+double CStrategy::GetContractWeight(const std::wstring& symbol) {
+  const std::wstring weight = m_owner.GetStringFromSecurity(symbol, L"Weight");
+  return weight.empty() ? 1.0 : static_cast<double>(LeadingInt64(weight));
+}
+
+}  // namespace iorder

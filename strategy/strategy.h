@@ -1,0 +1,141 @@
+#pragma once
+
+#include <rapidjson/document.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/critical_section.h"
+#include "records/base_data.h"
+#include "reference/quote_data.h"
+#include "strategy/strategy_host.h"
+
+namespace iorder {
+
+/// Numbers of the engine's message thread that concern a strategy. From kFirstStrategyEvent on they go to the
+/// strategy.
+inline constexpr uint32_t kDelStrategyMessage = 2030;
+inline constexpr uint32_t kFirstStrategyEvent = 4024;
+
+/// Who a strategy is: what its command said of it. The key joins type, ID and serial number.
+struct CStrategyIdentity {
+  std::wstring m_strStrategyKey;
+  std::wstring m_strStrategyType;
+  std::wstring m_strStrategyID;
+  std::wstring m_strStrategySN;
+  std::wstring m_strStrategyTag;  ///< of the command, else the ID up to its first "#"
+  std::wstring m_strBrokerID;
+  std::wstring m_strAccount;
+  std::wstring m_strUserKey1;
+  std::wstring m_strUserKey2;
+  std::wstring m_strUserKey3;
+  std::wstring m_strProcessID;
+};
+
+/// The part of an ID before its first "#", or the whole of it; "" for one that begins with "#".
+std::wstring TagOfID(const std::wstring& strategyID);
+
+/// Base of every automatic strategy: its identity, its copy of the order info, its own quote records, its log
+/// line, and thin access to what the engine offers. It holds no trading logic.
+///
+/// Three kinds of thread enter a strategy: the engine's threads for commands and messages, the timer's
+/// threads and the threads of the record bus. Every member has a lock or is atomic. Lock order: quote lock,
+/// then reverse lock; neither is held when the engine's strategy lock may be taken (SubQuote, UnsubQuote).
+class CStrategy : public CBaseDataEventReceiver {
+ public:
+  explicit CStrategy(IStrategyHost& owner);
+  /// Closes what quotes are left. A derived class closes them first thing in its own destructor, so that no
+  /// event finds it half destroyed.
+  ~CStrategy() override;
+  CStrategy(const CStrategy&) = delete;
+  CStrategy& operator=(const CStrategy&) = delete;
+
+  /// The number that stands for this object in texts and thread messages; never given twice.
+  uint32_t ObjectNumber() const { return m_objectNumber; }
+  CStrategyIdentity Identity() const;
+  std::wstring Key() const;
+  void SetKey(const std::wstring& key);
+
+  /// Takes the document over by exchange, reads the envelope and runs the two parse steps. On the command
+  /// thread.
+  void ParseStrategyInfo(rapidjson::Document& document);
+
+  virtual void ParseOrderInfo() {}
+  virtual void AfterParseOrderInfo() {}
+  /// A report of one of the strategy's orders; the record is destroyed afterwards. On the message thread.
+  virtual void OnReportUpdate(CBaseData*) {}
+  /// A posted event; on the message thread.
+  virtual void OnStrategyEvent(uint32_t, uintptr_t) {}
+  /// Values one quote; 1 if the totals were recomputed.
+  virtual int32_t OnPositionProfit(const CQuoteData&) { return 0; }
+  virtual void PublishProfit() {}
+  /// The minute tick, with the UTC time as YYYYMMDDhhmmss; on a timer thread, under the engine's strategy
+  /// lock.
+  virtual void Start(int64_t) {}
+  /// The command with action 0; under the engine's strategy lock, so it stays short.
+  virtual void OnStopCommand(const rapidjson::Document&) {}
+  /// Asks the engine to drop this strategy.
+  virtual void DelStrategy();
+  virtual int64_t GetLongValue(const std::wstring&, int64_t fallback) { return fallback; }
+  virtual double GetDoubleValue(const std::wstring&, double fallback) { return fallback; }
+
+  /// True if the symbol is in the quote table, also without a handle.
+  bool HasQuote(const std::wstring& symbol);
+
+ protected:
+  /// A handle of the quote table. Whoever holds it may read it, also after the symbol was unsubscribed.
+  /// Inside OnUpdate the source itself is used instead: a handle must not die in its own event.
+  using QuoteHandle = std::shared_ptr<CBaseData>;
+
+  IStrategyHost& Owner() { return m_owner; }
+  IRuntime& Runtime() { return m_owner.GetWorld().runtime; }
+
+  void WriteLog(const std::wstring& message);
+  void PostEvent(uint32_t number, uintptr_t extra = 0) { m_owner.PostEngineMessage(number, this, extra); }
+  void SetUserKey2(const std::wstring& text);
+
+  /// The order info of the last command; only on the command thread, inside the parse steps.
+  const rapidjson::Document& OrderInfo() const { return m_orderInfo; }
+  /// The same as compact JSON, from any thread.
+  std::wstring OrderInfoText() const;
+
+  /// The new handle, or none if the strategy holds the symbol already or the record doesn't open; then the
+  /// table holds an entry without a handle.
+  QuoteHandle SubscribeQuote(const std::wstring& symbol);
+  void UnsubscribeQuote(const std::wstring& symbol);
+  void CloseAllQuotes();
+  QuoteHandle GetQuote(const std::wstring& symbol);
+  /// NoValue without a handle.
+  int64_t GetQuoteField(const std::wstring& symbol, int32_t id);
+  /// True if the quote's "MCODE" is above 0.
+  bool IsQuoteValid(const std::wstring& symbol);
+  /// The symbol of an open handle, or none.
+  std::shared_ptr<const std::wstring> SymbolOf(CBaseData* handle);
+
+  /// The symbol's "Weight" as a whole number; 1.0 if it has none.
+  double GetContractWeight(const std::wstring& symbol);
+  /// The present local time as YYYYMMDDhhmmss.
+  int64_t LocalDateTime14() { return ToDateTime14(Runtime().LocalTime()); }
+
+ private:
+  IStrategyHost& m_owner;
+  const uint32_t m_objectNumber;
+
+  mutable CCriticalSection m_csIdentity;
+  CStrategyIdentity m_identity IORDER_GUARDED_BY(m_csIdentity);
+
+  mutable CCriticalSection m_csOrderInfo;
+  rapidjson::Document m_orderInfo;
+
+  CCriticalSection m_csQuote;
+  std::map<std::wstring, QuoteHandle> m_mapQuote IORDER_GUARDED_BY(m_csQuote);
+  CCriticalSection m_csReverse;
+  std::unordered_map<CBaseData*, std::shared_ptr<const std::wstring>> m_mapReverse
+      IORDER_GUARDED_BY(m_csReverse);
+};
+
+}  // namespace iorder

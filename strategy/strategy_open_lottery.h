@@ -1,0 +1,220 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "strategy/open_lottery_info.h"
+#include "strategy/option_chain.h"
+#include "strategy/order_string.h"
+#include "strategy/shared_time.h"
+#include "strategy/strategy.h"
+#include "strategy/symbol_set.h"
+
+namespace iorder {
+
+/// The states of an OpenLottery strategy. They have numbers only: the numbers show in log lines.
+namespace lottery_state {
+inline constexpr int32_t kRejected = -3;  ///< a report of the run was refused
+inline constexpr int32_t kStopped = -2;   ///< by command; the minute tick ignores the strategy
+inline constexpr int32_t kIdle = -1;      ///< no run
+inline constexpr int32_t kResetting = 0;
+inline constexpr int32_t kWaiting = 1;    ///< reset done, waiting for the start minute
+inline constexpr int32_t kRunning = 2;    ///< scan done, no orders in flight
+inline constexpr int32_t kPlacing = 3;    ///< a batch is being built and sent
+inline constexpr int32_t kOrdersOut = 4;  ///< waiting for acknowledgements
+inline constexpr int32_t kCancelling = 5;
+inline constexpr int32_t kCancelsOut = 6;
+inline constexpr int32_t kFilled = 8;  ///< a report of the batch told a fill or an end
+}  // namespace lottery_state
+
+/// The events that a strategy posts to itself, handled on the message thread.
+namespace lottery_event {
+inline constexpr uint32_t kPlaceBatch = 4025;
+inline constexpr uint32_t kMakeRoom = 4026;          ///< cancel what works to make room for a new hit
+inline constexpr uint32_t kUnderlyingPriced = 4027;  ///< try the selection again
+inline constexpr uint32_t kStop = 4028;
+inline constexpr uint32_t kLimitReached = 4029;  ///< stop by profit or loss
+}  // namespace lottery_event
+
+/// A daily routine over one option chain. A minute before its start time it builds the chain (Reset) and
+/// keeps the strikes that its rules select around the at-the-money strike of the underlying (GetSymbolList).
+/// From the start time on it judges each option by its opening price (ScanQuote, OnUpdate), and buys the ones
+/// that pass in batches under a cash limit (DoPlaceOrder).
+///
+/// Entered by the command thread (parse, stop command), the message thread (events, batches), timer threads
+/// (Start) and bus threads (OnUpdate). Each collection has a lock of its own, held briefly; the state is read
+/// as a snapshot. Lock order: chain, then symbols; symbols, then quote lock, and then the scan's sets; scan
+/// hits, then ordered symbols. Batches stay serial because only the message thread runs them, and other
+/// threads reach it by posting.
+class CStrategyOpenLottery : public CStrategy {
+ public:
+  /// `installPath` is the terminal's folder, with a trailing separator.
+  CStrategyOpenLottery(IStrategyHost& owner, std::wstring installPath);
+  ~CStrategyOpenLottery() override;
+
+  void OnUpdate(CBaseData* source, int32_t originator, const std::wstring& payload) override;
+  void ParseOrderInfo() override;
+  void AfterParseOrderInfo() override;
+  void OnStrategyEvent(uint32_t number, uintptr_t extra) override;
+  void Start(int64_t utcDateTime14) override;
+  void OnStopCommand(const rapidjson::Document& document) override;
+  /// "TotalCashOrder": the cash that the last batch committed.
+  int64_t GetLongValue(const std::wstring& name, int64_t fallback) override;
+
+ private:
+  using InfoPtr = std::shared_ptr<const COpenLotteryInfo>;
+
+  // Parameters and state.
+  InfoPtr Info() const;
+  void SetInfo(COpenLotteryInfo info);
+  int32_t Status() const;
+  void SetStatus(int32_t status);
+  /// Counts the runs: "0" after the first Reset, "" before it.
+  std::wstring StampText() const;
+
+  // Lifecycle.
+  bool IsStartAllowed(const COpenLotteryInfo& info, const DateTime& now);
+  void StartAtOnce();
+  void StartRun(int32_t status);
+  void StopByTime(const COpenLotteryInfo& info);
+  void StopByCommand();
+  void StopByLimit();
+  void RetrySelection();
+  bool WaitForSymbolList();
+  /// Looks up to ten times, with a sleep after each failed look, until all quotes of the run are valid.
+  bool WaitForValidQuotes();
+  void ReleaseUnderlying();
+  void UnsubAll();
+
+  // Reset.
+  void Reset();
+  void ClearRun();
+  void BuildChain(const COpenLotteryInfo& info, const std::wstring& chainSymbol);
+  std::wstring ResolveChain(const COpenLotteryInfo& info);
+  std::wstring ComposeUnderlying(const COpenLotteryInfo& info, const std::wstring& chainSymbol);
+  std::wstring GetUnderlyingBase(const std::wstring& symbol);
+  std::shared_ptr<CBaseData> UnderlyingList();
+  void SubscribeUnderlying(const COpenLotteryInfo& info, const std::wstring& underlying,
+                           const std::wstring& greeks);
+
+  // Trading session.
+  bool IsInTradingHours(CBaseData* handle, const std::wstring& symbol);
+  bool IsTWFTradingHour(CBaseData* handle, const std::wstring& symbol);
+  void FillUtcTime();
+
+  // Selection of strikes.
+  void GetSymbolList();
+  /// Finds the price that the selection goes by; false if it isn't there yet.
+  bool FindUnderlyingPrice(const COpenLotteryInfo& info);
+  void GetATM();
+  bool SelectSymbols(const COpenLotteryInfo& info);
+  void SelectByFlags(const COpenLotteryInfo& info);
+  void SelectByRange(const COpenLotteryInfo& info);
+
+  // Judging options.
+  enum class Verdict { kUnjudged, kKnown, kNewPass, kKnownPass };
+  int32_t ScanQuote();
+  Verdict Judge(const std::wstring& symbol, CBaseData* handle, ScaledValue& openPrice);
+  void JudgeUpdate(const std::wstring& symbol, CBaseData* handle);
+  void LogOpenPrice(const std::wstring& symbol, CBaseData* handle, ScaledValue openPrice);
+
+  // Placing orders.
+  struct CBatchSymbol {
+    std::wstring strSymbol;
+    double dbPrice = NoPrice;
+    int64_t llCashOrder = 0;
+    int32_t lQty = 0;
+  };
+  void DoPlaceOrder();
+  std::vector<std::wstring> DrainHits();
+  void StampBatch();
+  /// Forgets the reports of the batch before; true if there was one.
+  bool ClearReports();
+  /// All symbols taken so far, in the order in which they are served: calls from the highest strike, puts
+  /// from the lowest.
+  std::vector<CBatchSymbol> SymbolsInOrder(const std::vector<std::wstring>& newSymbols);
+  double OrderPriceOf(const COpenLotteryInfo& info);
+  /// Gives out lots one by one and returns the cash that is left.
+  int64_t AllocateLots(std::vector<CBatchSymbol>& symbols, const COpenLotteryInfo& info);
+  /// One walk, a lot for each symbol that fits; false if no further walk can add anything.
+  bool AllocatePass(std::vector<CBatchSymbol>& symbols, int64_t cash, double weight, int64_t& cashLeft);
+  int32_t PlaceLots(const std::vector<CBatchSymbol>& symbols);
+  bool NewOrderOpen(const std::wstring& symbol, ScaledValue price, int32_t lots);
+  bool NewOrder(const COrder& order);
+
+  // Ending orders and positions.
+  void DoCancelOrderOpen(int32_t bStop);
+  void DoClosePos(int32_t bByProfit);
+
+  // Status messages.
+  void UpdateStatus(const std::wstring& text, int32_t bLog);
+  void PublishOrderResult(const std::wstring& symbol, int32_t lResult, int32_t lAction);
+  void PublishScanResult(const std::wstring& symbol, ScaledValue openPrice, int32_t openPriceOK);
+  void PublishClearReport();
+
+  const std::wstring m_strInstallPath;
+
+  mutable CCriticalSection m_csInfo;
+  InfoPtr m_info IORDER_GUARDED_BY(m_csInfo);
+  std::atomic<int32_t> m_bManuStopCancel{0};
+  std::atomic<int32_t> m_bManuStopClosePos{0};
+  std::atomic<int64_t> m_llResetTime{NoValue};
+  /// 3: a market whose trading hours are tested, 1: one whose aren't.
+  std::atomic<int32_t> m_lMarketKind{3};
+
+  mutable CCriticalSection m_csStatus;
+  int32_t m_lStatus IORDER_GUARDED_BY(m_csStatus) = lottery_state::kIdle;
+
+  /// The run's symbols, as Reset resolved them.
+  mutable CCriticalSection m_csRun;
+  std::wstring m_strChainSymbol IORDER_GUARDED_BY(m_csRun);
+  std::wstring m_strSymbolUnderlying IORDER_GUARDED_BY(m_csRun);
+  std::wstring m_strSymbolUnderlyingGreeks IORDER_GUARDED_BY(m_csRun);
+  /// The record "Underlying.F.List", opened when first needed and kept.
+  std::shared_ptr<CBaseData> m_pUnderlyingList IORDER_GUARDED_BY(m_csRun);
+
+  /// Only compared with the source of an update; the quote table owns the handles.
+  std::atomic<const CBaseData*> m_pQuoteUnderlying{nullptr};
+  std::atomic<const CBaseData*> m_pQuoteGreeks{nullptr};
+  std::atomic<int32_t> m_bSymbolListReady{0};
+  std::atomic<int32_t> m_bGreeksReady{0};
+
+  COptionChain m_chain;
+  /// Every symbol of the run: the chain after selection, the underlying, the greeks record's name.
+  CSymbolList m_mapSymbols;
+  std::atomic<int32_t> m_lATM0IndexCall{-1};
+  std::atomic<int32_t> m_lATM0IndexPut{-1};
+  std::atomic<ScaledValue> m_llUnderlyingPrice{NoValue};
+
+  CSymbolList m_mapScanHit;    ///< accepted, not yet taken by a batch
+  CSymbolSet m_mapScanPassed;  ///< accepted in this run
+  CSymbolSet m_mapScanFailed;  ///< rejected in this run
+  CSymbolSet m_mapOpenLogged;  ///< logged with their opening price in this run
+  CSymbolSet m_mapOrdered;     ///< taken into a batch
+
+  CCriticalSection m_csScanned;
+  std::vector<std::wstring> m_arScannedSymbolCall IORDER_GUARDED_BY(m_csScanned);
+  std::vector<std::wstring> m_arScannedSymbolPut IORDER_GUARDED_BY(m_csScanned);
+
+  CCriticalSection m_csReportRecord;
+  std::map<std::wstring, std::unique_ptr<CBaseData>> m_mapReportRecord IORDER_GUARDED_BY(m_csReportRecord);
+  CCriticalSection m_csReportExec;
+  std::map<std::wstring, int32_t> m_mapReportExec IORDER_GUARDED_BY(m_csReportExec);
+
+  CCriticalSection m_csBatch;
+  std::wstring m_strBatchStamp IORDER_GUARDED_BY(m_csBatch);
+
+  CCriticalSection m_csCash;
+  int64_t m_llTotalCashOrder IORDER_GUARDED_BY(m_csCash) = 0;
+
+  std::atomic<int64_t> m_llStamp{0};  ///< counts the Resets
+  CSharedTime m_stLocalTime;          ///< of the last minute tick
+  CSharedTime m_stUTCTime;
+};
+
+}  // namespace iorder
