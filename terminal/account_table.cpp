@@ -1,0 +1,56 @@
+#include "terminal/account_table.h"
+
+#include <algorithm>
+
+namespace iorder {
+namespace {
+
+constexpr int32_t kConnected = 2;
+constexpr int32_t kNotConnected = 0;
+
+}  // namespace
+
+void CAccountTable::Set(const AccountsAction& accounts) {
+  CLockGuard guard(m_section);
+  m_accounts = accounts;
+  Write();
+}
+
+void CAccountTable::Drop(const std::wstring& account, bool dropped) {
+  CLockGuard guard(m_section);
+  if (dropped) {
+    m_dropped.insert(account);
+  } else {
+    m_dropped.erase(account);
+  }
+  Write();
+}
+
+bool CAccountTable::IsConnected(const std::wstring& broker, const std::wstring& account) {
+  return m_bus.ItemHas(kAccountsRecord, broker, account, L"ConnectStatus", kConnected);
+}
+
+void CAccountTable::Write() {
+  RecordChange record;
+  record.name = kAccountsRecord;
+  record.clear = true;
+  for (const AccountsAction::Account& account : m_accounts.accounts) {
+    auto node = std::find_if(record.nodes.begin(), record.nodes.end(),
+                             [&](const RecordChange& broker) { return broker.name == account.broker; });
+    if (node == record.nodes.end()) {
+      node = record.nodes.insert(node, RecordChange());
+      node->name = account.broker;
+    }
+    RecordChange& item = node->items.emplace_back();
+    item.name = account.account;
+    item.fields = {{L"BrokerID", {{}, account.broker, {}}}, {L"Account", {{}, account.account, {}}}};
+    if (m_dropped.contains(account.broker + L"_" + account.account)) {
+      item.fields.push_back({L"ConnectStatus", {{}, kNotConnected, {}}});
+    } else if (account.hasStatus) {
+      item.fields.push_back({L"ConnectStatus", account.status});
+    }
+  }
+  m_bus.Apply(record);
+}
+
+}  // namespace iorder

@@ -1,0 +1,225 @@
+#include "terminal/day_file.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "platform/text.h"
+#include "terminal/day_actions.h"
+#include "terminal/input_file.h"
+#include "terminal/object_reader.h"
+#include "terminal/tick_file.h"
+
+namespace iorder {
+namespace {
+
+constexpr Milliseconds kOneDay = std::chrono::hours(24);
+
+/// The index of the text that stands under `key`, or of `fallback`.
+size_t ReadChoice(CObjectReader& reader, std::string_view key, const std::vector<std::string_view>& choices,
+                  size_t fallback) {
+  const std::optional<std::string> text = reader.Text(key);
+  if (!text) {
+    return fallback;
+  }
+  const auto found = std::find(choices.begin(), choices.end(), *text);
+  if (found == choices.end()) {
+    std::string expected;
+    for (const std::string_view choice : choices) {
+      expected += (expected.empty() ? "'" : " or '") + std::string(choice) + "'";
+    }
+    reader.Fail(key, "expected " + expected + ", found '" + *text + "'");
+  }
+  return static_cast<size_t>(found - choices.begin());
+}
+
+double ReadShare(CObjectReader& reader, std::string_view key, double fallback) {
+  const std::optional<ScaledValue> share = reader.Decimal(key);
+  if (!share) {
+    return fallback;
+  }
+  if (*share < 0 || *share > static_cast<ScaledValue>(kScale)) {
+    reader.Fail(key, "must lie from 0 to 1");
+  }
+  return static_cast<double>(*share) / kScale;
+}
+
+std::optional<OrderRules> ReadOrderRules(CObjectReader& head) {
+  const JsonNode* const node = head.Find("orders");
+  if (node == nullptr || (node->kind == JsonNode::Kind::kText && node->text == "manual")) {
+    return std::nullopt;
+  }
+  if (!node->IsObject()) {
+    head.FailKind("orders", *node, "'manual' or an object");
+  }
+  CObjectReader reader(*node, "orders", head.Place());
+  OrderRules rules;
+  rules.latency =
+      Milliseconds(reader.Integer("latency_ms", 0, kOneDay.count()).value_or(rules.latency.count()));
+  rules.fill =
+      static_cast<OrderRules::Fill>(ReadChoice(reader, "fill", {"touch", "through", "immediate", "none"}, 0));
+  rules.partial = ReadShare(reader, "partial", rules.partial);
+  rules.reject = ReadShare(reader, "reject", rules.reject);
+  rules.chase = reader.Flag("chase").value_or(rules.chase);
+  reader.Finish();
+  return rules;
+}
+
+std::optional<LocalTime> ReadEnd(CObjectReader& head, LocalTime start) {
+  const std::optional<std::string> text = head.Text("end");
+  if (!text) {
+    return std::nullopt;
+  }
+  if (const std::optional<Milliseconds> time = ParseTimeOfDay(*text)) {
+    const LocalTime end = DateOf(start) + *time;
+    return end > start ? end : end + kOneDay;
+  }
+  const std::optional<LocalTime> end = ParseLocalTime(*text);
+  if (!end) {
+    head.Fail("end", "expected YYYY-MM-DDTHH:MM:SS[.mmm] or HH:MM:SS[.mmm], found '" + *text + "'");
+  }
+  if (*end <= start) {
+    head.Fail("end", "lies before the start");
+  }
+  return end;
+}
+
+DayHead ReadHead(const JsonNode& line, const FilePlace& place) {
+  CObjectReader outer(line, "the head", place);
+  CObjectReader reader(outer.Need("day"), "day", place);
+  outer.Finish();
+
+  DayHead head;
+  const std::string start = reader.NeedText("start");
+  const std::optional<LocalTime> startTime = ParseLocalTime(start);
+  if (!startTime) {
+    reader.Fail("start", "expected YYYY-MM-DDTHH:MM:SS[.mmm], found '" + start + "'");
+  }
+  head.start = *startTime;
+  head.end = ReadEnd(reader, head.start);
+  head.timezone = reader.Text("timezone").value_or(head.timezone);
+  head.seed = static_cast<uint64_t>(reader.Integer("seed").value_or(0));
+  head.autoPhases = ReadChoice(reader, "phases", {"auto", "manual"}, 0) == 0;
+  head.needsSubscription = ReadChoice(reader, "subscriptions", {"required", "open"}, 0) == 0;
+  head.subscriptionDelay = Milliseconds(reader.Integer("subscription_ms", 0, kOneDay.count()).value_or(0));
+  head.hasDatabase = ReadChoice(reader, "database", {"sqlite", "none"}, 0) == 0;
+  head.orders = ReadOrderRules(reader);
+  const bool marketFigures = ReadChoice(reader, "figures", {"given", "market"}, 0) == 1;
+  reader.Integer("figures_ms", 1, kOneDay.count());
+  const std::optional<std::string> folder = reader.Text("folder");
+  reader.Finish();
+  if (marketFigures) {
+    reader.Fail("figures", "'market' isn't available yet; give the figures in the lines of the day");
+  }
+  if (folder) {
+    head.folder = PathBeside(place.file, *folder);
+  }
+  return head;
+}
+
+/// Gives each line its time: its own, or that of the line above.
+class CLineClock {
+ public:
+  explicit CLineClock(const DayHead& head) : m_end(head.end), m_last(head.start) {}
+
+  LocalTime Next(CObjectReader& line) {
+    const std::optional<std::string> text = line.Text("at");
+    const bool nextDay = line.Flag("next_day").value_or(false);
+    if (!text) {
+      if (nextDay) {
+        line.Fail("next_day", "a line without 'at' has the time of the line above");
+      }
+      return m_last;
+    }
+    m_last = TimeOf(line, *text, nextDay);
+    m_timed = true;
+    return m_last;
+  }
+
+  /// Whether a line so far had a time of its own.
+  bool IsTimed() const { return m_timed; }
+
+ private:
+  LocalTime TimeOf(const CObjectReader& line, const std::string& text, bool nextDay) const {
+    if (const std::optional<LocalTime> time = ParseLocalTime(text)) {
+      if (*time < m_last) {
+        line.Fail("at", text + " lies before the time of the line above, " + ToText(m_last));
+      }
+      return *time;
+    }
+    const std::optional<Milliseconds> timeOfDay = ParseTimeOfDay(text);
+    if (!timeOfDay) {
+      line.Fail("at", "expected HH:MM:SS[.mmm] or YYYY-MM-DDTHH:MM:SS[.mmm], found '" + text + "'");
+    }
+    const LocalTime time = DateOf(m_last) + *timeOfDay + (nextDay ? kOneDay : Milliseconds(0));
+    if (time < m_last) {
+      line.Fail("at", text + " lies before the time of the line above, " + ToText(m_last) +
+                          "; a line of the next date says \"next_day\": true");
+    }
+    if (nextDay && m_end && time > *m_end) {
+      line.Fail("next_day", text + " of the next date lies behind the day's end, " + ToText(*m_end));
+    }
+    return time;
+  }
+
+  const std::optional<LocalTime> m_end;
+  LocalTime m_last;
+  bool m_timed = false;
+};
+
+/// The next line that isn't empty.
+bool NextLine(CLineReader& reader, std::string_view& line) {
+  while (reader.Next(line)) {
+    if (line.find_first_not_of(" \t") != std::string_view::npos) {
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+std::string PathBeside(const std::string& file, const std::string& path) {
+  return (std::filesystem::path(file).parent_path() / path).string();
+}
+
+Day ReadDayFile(const std::string& path) {
+  CLineReader reader(path);
+  std::string_view text;
+  if (!NextLine(reader, text)) {
+    FailAt({path}, "is empty; the first line must be the head {\"day\": {...}}");
+  }
+  Day day;
+  day.path = path;
+  day.head = ReadHead(ParseJson(text, reader.Place()), reader.Place());
+
+  CLineClock clock(day.head);
+  while (NextLine(reader, text)) {
+    const JsonNode node = ParseJson(text, reader.Place());
+    CObjectReader line(node, "the line", reader.Place());
+    const LocalTime at = clock.Next(line);
+    day.lines.push_back({at, reader.Place().line, ReadAction(line)});
+    if (const TicksAction* const ticks = std::get_if<TicksAction>(&day.lines.back().action)) {
+      CTickFile check(ticks->path, DateOf(at));
+    }
+    day.setupCount += clock.IsTimed() ? 0 : 1;
+  }
+  return day;
+}
+
+void InsertCommand(Day& day, std::string_view text, std::optional<LocalTime> at) {
+  const LocalTime time = at.value_or(day.head.start);
+  if (time < day.head.start || (day.head.end && time > *day.head.end)) {
+    throw InputError("a command at " + ToText(time) + " lies outside the day of " + day.path);
+  }
+  auto place = day.lines.begin() + static_cast<std::ptrdiff_t>(day.setupCount);
+  if (at) {
+    place = std::upper_bound(place, day.lines.end(), time,
+                             [](LocalTime left, const DayLine& line) { return left < line.at; });
+  }
+  MessageAction message;
+  message.topic = L"TRADE.IntelligentOrder";
+  message.text = ToWide(text);
+  day.lines.insert(place, {time, 0, std::move(message)});
+}
+
+}  // namespace iorder
