@@ -1,11 +1,14 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+
+#include "platform/runtime.h"
 
 namespace iorder {
 
-/// A stream of random numbers that depends on nothing but its seed: xoshiro256**, its state filled by splitmix64. The
-/// distributions of the standard library differ between libraries, so none is used.
+/// A stream of random numbers that depends on nothing but its seed: xoshiro256**, its state filled by
+/// splitmix64. The distributions of the standard library differ between libraries, so none is used.
 class CRandom {
  public:
   explicit CRandom(uint64_t seed) noexcept {
@@ -30,9 +33,7 @@ class CRandom {
   }
 
   /// A number from 0 to `bound` - 1; `bound` isn't 0.
-  uint32_t Below(uint32_t bound) noexcept {
-    return static_cast<uint32_t>(((Next() >> 32) * bound) >> 32);
-  }
+  uint32_t Below(uint32_t bound) noexcept { return static_cast<uint32_t>(((Next() >> 32) * bound) >> 32); }
 
  private:
   static constexpr uint64_t RotateLeft(uint64_t word, int bits) noexcept {
@@ -41,5 +42,15 @@ class CRandom {
 
   uint64_t m_state[4];
 };
+
+/// 128 random bits, the same for a seed on machines of either byte order.
+inline Guid DrawGuid(CRandom& random) noexcept {
+  Guid guid;
+  for (size_t i = 0; i < sizeof guid.bytes; i += 8) {
+    const uint64_t word = random.Next();
+    for (size_t k = 0; k < 8; ++k) guid.bytes[i + k] = static_cast<uint8_t>(word >> (8 * k));
+  }
+  return guid;
+}
 
 }  // namespace iorder

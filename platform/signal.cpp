@@ -4,7 +4,7 @@
 
 namespace iorder {
 
-CSignal::~CSignal() {
+void CSignal::DropWaiters() noexcept {
   while (m_first != nullptr) {
     WaitNode& node = *m_first;
     Unlink(node);

@@ -23,8 +23,8 @@ struct WaitNode {
   WaitNode* next = nullptr;
 };
 
-/// What every waitable object is inside, in both runtimes: a state, and those who wait for it in order of arrival. Nothing
-/// here locks or switches: the virtual runtime needs no lock, the native one holds its own.
+/// What every waitable object is inside, in both runtimes: a state, and those who wait for it in order of
+/// arrival. Nothing here locks or switches: the virtual runtime needs no lock, the native one holds its own.
 class CSignal {
  public:
   enum class Kind : uint8_t { kEvent, kTimer, kThread, kMessage };
@@ -42,17 +42,19 @@ class CSignal {
   bool TryTake();
   bool IsRaised() const noexcept { return m_isRaised; }
 
+  Kind GetKind() const noexcept { return m_kind; }
   /// What a report calls it.
   std::string Describe() const;
 
  protected:
   /// Who still waits is left waiting for the rest, or for ever.
-  virtual ~CSignal();
+  virtual ~CSignal() { DropWaiters(); }
+  void DropWaiters() noexcept;
 
   /// A signal that resets itself was taken.
   virtual void OnTaken() {}
 
-  const WaitNode* FirstNode() const noexcept { return m_first; }
+  const WaitNode* FirstNode() const noexcept { return m_first; }  // who waits, in order of arrival
 
  private:
   friend class CWaiter;

@@ -1,10 +1,9 @@
 #include "platform/virtual/virtual_runtime.h"
 
-#include <array>
-#include <cassert>
-#include <cstring>
-#include <typeinfo>
+#include <algorithm>
 
+#include "platform/signal_array.h"
+#include "platform/time_limit.h"
 #include "platform/virtual/virtual_event.h"
 #include "platform/virtual/virtual_lock.h"
 #include "platform/virtual/virtual_timer.h"
@@ -15,17 +14,7 @@ namespace {
 /// Ids are drawn from a stream of their own.
 constexpr uint64_t kGuidStream = 0x6775696473;
 
-/// As many objects as these are waited for without allocating.
-constexpr size_t kFewObjects = 8;
-
-/// The inside of an object that this runtime gave out.
-CSignal* SignalOf(IWaitable& waitable) {
-  const std::type_info& type = typeid(waitable);
-  if (type == typeid(CVirtualEvent)) return static_cast<CVirtualEvent*>(&waitable);
-  if (type == typeid(CVirtualTimer)) return static_cast<CVirtualTimer*>(&waitable);
-  assert(type == typeid(CVirtualThread));
-  return static_cast<CVirtualThread*>(&waitable);
-}
+using VirtualSignals = SignalArray<CVirtualEvent, CVirtualTimer, CVirtualThread>;
 
 }  // namespace
 
@@ -54,21 +43,10 @@ std::unique_ptr<ILock> CVirtualRuntime::CreateLock(const char* name) {
   return std::make_unique<CVirtualLock>(m_scheduler, name);
 }
 
-/// The moment at which a wait of this limit ends. A limit of 0 only looks, and so ends before now.
-std::optional<TimePoint> CVirtualRuntime::EndOf(std::optional<Milliseconds> limit) const {
-  if (!limit) return std::nullopt;
-  if (*limit <= Milliseconds::zero()) return TimePoint::min();
-  const TimePoint now = m_scheduler.Now();
-  return *limit < TimePoint::max() - now ? now + *limit : TimePoint::max();
-}
-
 std::optional<size_t> CVirtualRuntime::Wait(std::span<IWaitable* const> what,
                                             std::optional<Milliseconds> limit) {
-  std::array<CSignal*, kFewObjects> few;
-  std::vector<CSignal*> many(what.size() > few.size() ? what.size() : 0);
-  CSignal** const signals = many.empty() ? few.data() : many.data();
-  for (size_t i = 0; i < what.size(); ++i) signals[i] = SignalOf(*what[i]);
-  return m_scheduler.Wait({signals, what.size()}, EndOf(limit), Precedence::kEngine);
+  const VirtualSignals signals(what);
+  return m_scheduler.Wait(signals.All(), EndOfLimit(m_scheduler.Now(), limit), Precedence::kEngine);
 }
 
 ThreadMessage CVirtualRuntime::GetMessage() {
@@ -92,13 +70,7 @@ DateTime CVirtualRuntime::UtcTime() {
 }
 
 Guid CVirtualRuntime::NewGuid() {
-  Guid guid;
-  for (size_t i = 0; i < sizeof guid.bytes; i += 8) {
-    const uint64_t word = m_guidRandom.Next();
-    // Byte by byte, so that the id is the same on machines of either byte order.
-    for (size_t k = 0; k < 8; ++k) guid.bytes[i + k] = static_cast<uint8_t>(word >> (8 * k));
-  }
-  return guid;
+  return DrawGuid(m_guidRandom);
 }
 
 uint32_t CVirtualRuntime::NewObjectNumber() {
@@ -150,7 +122,7 @@ void CVirtualRuntime::SleepUntil(TimePoint time, Precedence precedence) {
 }
 
 bool CVirtualRuntime::WaitUntil(IEvent& event, std::optional<TimePoint> time, Precedence precedence) {
-  CSignal* const one[] = {SignalOf(event)};
+  CSignal* const one[] = {VirtualSignals::SignalOf(event)};
   return m_scheduler.Wait(one, time, precedence).has_value();
 }
 

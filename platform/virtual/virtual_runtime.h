@@ -68,8 +68,6 @@ class CVirtualRuntime final : public IWorldRuntime {
   void HoldThread(std::wstring_view name, Milliseconds time) override;
 
  private:
-  std::optional<TimePoint> EndOf(std::optional<Milliseconds> limit) const;
-
   CZoneClock m_zone;
   CRandom m_guidRandom;  // not the scheduler's: an id more or less doesn't change who runs
   CReferenceTable m_references;

@@ -471,12 +471,12 @@ TEST(VirtualRuntime, ThreadsCanBeMadeAndEndedWithoutGrowing) {
   int runs = 0;
   EXPECT_THAT(runtime.Run([&] {
     // Many more stacks than there would be memory mappings for.
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0; i < 40000; ++i) {
       runtime.Wait(*Start(runtime, L"short", [&] { ++runs; }), std::nullopt);
     }
   }),
               IsEmpty());
-  EXPECT_EQ(runs, 100000);
+  EXPECT_EQ(runs, 40000);
 }
 
 TEST(VirtualRuntime, ALateFiringComesExactlySoMuchLater) {
