@@ -31,6 +31,10 @@ std::shared_ptr<IThread> CIntelligentOrder::TakeThread(ThreadMember member) {
   return std::exchange(this->*member, nullptr);
 }
 
+void CIntelligentOrder::EnqueueQuote(const CQuoteData& quote) {
+  if (m_quoteQueue.Enqueue(quote)) m_hPnLEvent->Set();
+}
+
 bool CIntelligentOrder::AwaitThread(IThread& thread) {
   return m_world.runtime.Wait(thread, kThreadEndLimit);
 }
@@ -106,14 +110,12 @@ void CIntelligentOrder::HandleEngineMessage(const ThreadMessage& message) {
     if (const auto payload = TakeText(message)) DispatchOrderSetUpdate(*payload);
     return;
   }
-  const bool retires = message.number == kDelStrategyMessage;
-  if (!retires && message.number < kFirstStrategyEvent) return;
-  const auto strategy = m_strategies.Find(message.first);
-  if (strategy == nullptr) return;
-  if (retires) {
-    DelStrategy(*strategy);
-  } else {
-    strategy->OnStrategyEvent(message.number, message.second);
+  if (message.number == kDelStrategyMessage) {
+    if (const auto strategy = m_strategies.FindWithRetired(message.first)) DelStrategy(*strategy);
+  } else if (message.number >= kFirstStrategyEvent) {
+    if (const auto strategy = m_strategies.Find(message.first)) {
+      strategy->OnStrategyEvent(message.number, message.second);
+    }
   }
 }
 

@@ -95,6 +95,7 @@ class CIntelligentOrder final : public CBaseDataEventReceiver,
   bool IsAccountReady(const std::wstring& broker, const std::wstring& account) override {
     return m_accounts.IsReady(broker, account);
   }
+  void EnqueueQuote(const CQuoteData& quote) override;
 
   // Phases.
   void StartUp();

@@ -37,6 +37,22 @@ CStrategyRegistry::StrategyPtr CStrategyRegistry::Find(uintptr_t objectNumber) {
   return found == m_setStrategies.end() ? nullptr : found->second.lock();
 }
 
+CStrategyRegistry::StrategyPtr CStrategyRegistry::FindWithRetired(uintptr_t objectNumber) {
+  if (StrategyPtr live = Find(objectNumber)) return live;
+  const auto findIn = [objectNumber](const std::vector<StrategyPtr>& strategies) -> StrategyPtr {
+    const auto found = std::find_if(
+        strategies.begin(), strategies.end(),
+        [objectNumber](const StrategyPtr& entry) { return entry->ObjectNumber() == objectNumber; });
+    return found == strategies.end() ? nullptr : *found;
+  };
+  {
+    CLockGuard guard(m_csRetiring);
+    if (StrategyPtr retiring = findIn(m_arRetiring)) return retiring;
+  }
+  CLockGuard guard(m_csRetired);
+  return findIn(m_arRetired);
+}
+
 void CStrategyRegistry::ForEach(const std::function<void(CStrategy&)>& visit) {
   CLockGuard guard(m_csStrategies);
   for (const StrategyPtr& strategy : m_arStrategies) visit(*strategy);

@@ -47,7 +47,11 @@ class CStrategyRegistry {
   /// True if a live strategy has the symbol in its quote table.
   bool AnyHolds(const std::wstring& symbol);
 
-  /// Takes a live strategy out of all tables; it is deleted between the first and the second turn from now.
+  /// The same, also among the strategies that were retired and not yet deleted.
+  StrategyPtr FindWithRetired(uintptr_t objectNumber);
+
+  /// Takes a live strategy out of all tables; it is deleted at the second turn from now. Nothing happens to
+  /// one that isn't live any more.
   void Retire(CStrategy& strategy);
   /// One turn of the minute tick: deletes what was retired before the last turn.
   void Turn();

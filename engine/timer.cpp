@@ -91,8 +91,11 @@ std::shared_ptr<IThread> CTimer::CreateThread(const EntryPtr& entry) {
 }
 
 void CTimer::RunTimer(const EntryPtr& entry) {
-  const Milliseconds interval{entry->lIntervalMs};
-  entry->hTimer->Arm(interval, interval);
+  {
+    CLockGuard guard(m_cs);
+    const Milliseconds interval{entry->lIntervalMs};
+    entry->hTimer->Arm(interval, interval);
+  }
   const std::array<IWaitable*, 2> handles{entry->hStop.get(), entry->hTimer.get()};
   constexpr size_t kTimerHandle = 1;
   while (m_runtime.Wait(handles, std::nullopt) == kTimerHandle) entry->pfnCallback(entry->lId);

@@ -12,13 +12,13 @@ constexpr const wchar_t* kClientTopic = L"API_MSG.NewStrategyOrder";
 
 void CStrategyOpenLottery::UpdateStatus(const std::wstring& text, int32_t bLog) {
   if (bLog != 0) WriteLog(L"UpdateStatus. Status=" + text + L".");
-  const Value sender = std::wstring(L"OpenLottery");
+  static const Value sender = std::wstring(L"OpenLottery");
   Owner().SendHostEvent(kScreenTopic, 1, 1, text, sender);
   Owner().SendHostEvent(kClientTopic, 1, 1, text, sender);
 }
 
 void CStrategyOpenLottery::PublishOrderResult(const std::wstring& symbol, int32_t lResult, int32_t lAction) {
-  CStatusMessage message(Identity(), "Order");
+  CStatusMessage message(*Identity(), "Order");
   message.Text("Stamp", StampText())
       .Text("Symbol", symbol)
       .Integer("Result", lResult)
@@ -28,7 +28,7 @@ void CStrategyOpenLottery::PublishOrderResult(const std::wstring& symbol, int32_
 
 void CStrategyOpenLottery::PublishScanResult(const std::wstring& symbol, ScaledValue openPrice,
                                              int32_t openPriceOK) {
-  CStatusMessage message(Identity(), "Scanner");
+  CStatusMessage message(*Identity(), "Scanner");
   message.Text("Stamp", StampText())
       .Text("Symbol", symbol)
       .Moment("Date", "Time", LocalDateTime14())
@@ -38,7 +38,7 @@ void CStrategyOpenLottery::PublishScanResult(const std::wstring& symbol, ScaledV
 }
 
 void CStrategyOpenLottery::PublishClearReport() {
-  CStatusMessage message(Identity(), "ClearReport");
+  CStatusMessage message(*Identity(), "ClearReport");
   UpdateStatus(message.Finish(), 1);
 }
 

@@ -188,23 +188,23 @@ bool CStrategyOpenLottery::NewOrderOpen(const std::wstring& symbol, ScaledValue 
         .Number("OrderPrice", FromScaled(price))
         .Integer("Qty", lots);
   };
-  CStatusMessage announced(Identity(), "Order");
+  CStatusMessage announced(*Identity(), "Order");
   describe(announced).Integer("Result", kResultAnnounced).Integer("Action", kActionOpen);
   UpdateStatus(announced.Finish(), 1);
-  CStatusMessage report(Identity(), "Report");
+  CStatusMessage report(*Identity(), "Report");
   UpdateStatus(describe(report).Finish(), 1);
   return NewOrder({.strSymbol = symbol, .llPrice = price, .strPrice = {}, .lQty = lots, .strSide = L"B"});
 }
 
 bool CStrategyOpenLottery::NewOrder(const COrder& order) {
-  const CStrategyIdentity identity = Identity();
+  const IdentityPtr identity = Identity();
   std::wstring batchStamp;
   {
     CLockGuard guard(m_csBatch);
     batchStamp = m_strBatchStamp;
   }
-  const std::wstring text = FormatOrder(identity, batchStamp, order);
-  if (!Owner().IsAccountReady(identity.m_strBrokerID, identity.m_strAccount)) {
+  const std::wstring text = FormatOrder(*identity, batchStamp, order);
+  if (!Owner().IsAccountReady(identity->m_strBrokerID, identity->m_strAccount)) {
     const int32_t action = order.lPositionEffect == order_code::kOpen ? kActionOpen : kActionClose;
     PublishOrderResult(order.strSymbol, kResultAccountNotReady, action);
     WriteLog(L"NewOrder Fail. Account not Ready. " + text + L".");

@@ -20,32 +20,37 @@ CStrategy::CStrategy(IStrategyHost& owner)
     : m_owner(owner),
       m_objectNumber(owner.GetWorld().runtime.NewObjectNumber()),
       m_csIdentity(owner.GetWorld().runtime, "identity lock"),
+      m_identity(std::make_shared<const CStrategyIdentity>()),
       m_csOrderInfo(owner.GetWorld().runtime, "order info lock"),
       m_csQuote(owner.GetWorld().runtime, "quote lock"),
       m_csReverse(owner.GetWorld().runtime, "reverse lock") {}
 
 CStrategy::~CStrategy() {
+  CutOffShield shield(Runtime());
   CloseAllQuotes();
 }
 
-CStrategyIdentity CStrategy::Identity() const {
+CStrategy::IdentityPtr CStrategy::Identity() const {
   CLockGuard guard(m_csIdentity);
   return m_identity;
 }
 
-std::wstring CStrategy::Key() const {
+void CStrategy::SetIdentity(CStrategyIdentity identity) {
+  auto next = std::make_shared<const CStrategyIdentity>(std::move(identity));
   CLockGuard guard(m_csIdentity);
-  return m_identity.m_strStrategyKey;
+  m_identity.swap(next);
 }
 
 void CStrategy::SetKey(const std::wstring& key) {
-  CLockGuard guard(m_csIdentity);
-  m_identity.m_strStrategyKey = key;
+  CStrategyIdentity identity = *Identity();
+  identity.m_strStrategyKey = key;
+  SetIdentity(std::move(identity));
 }
 
 void CStrategy::SetUserKey2(const std::wstring& text) {
-  CLockGuard guard(m_csIdentity);
-  m_identity.m_strUserKey2 = text;
+  CStrategyIdentity identity = *Identity();
+  identity.m_strUserKey2 = text;
+  SetIdentity(std::move(identity));
 }
 
 void CStrategy::ParseStrategyInfo(rapidjson::Document& document) {
@@ -66,10 +71,7 @@ void CStrategy::ParseStrategyInfo(rapidjson::Document& document) {
   identity.m_strUserKey2 = ReadJsonString(m_orderInfo, "UserKey2");
   identity.m_strUserKey3 = ReadJsonString(m_orderInfo, "UserKey3");
   identity.m_strProcessID = ReadJsonString(m_orderInfo, "ProcessID");
-  {
-    CLockGuard guard(m_csIdentity);
-    m_identity = std::move(identity);
-  }
+  SetIdentity(std::move(identity));
   ParseOrderInfo();
   AfterParseOrderInfo();
 }
@@ -80,7 +82,8 @@ std::wstring CStrategy::OrderInfoText() const {
 }
 
 void CStrategy::WriteLog(const std::wstring& message) {
-  m_owner.WriteLog(fmt::sprintf(L"[OpenLottery]<%s.%x> %s", Key(), m_objectNumber, message));
+  m_owner.WriteLog(
+      fmt::sprintf(L"[OpenLottery]<%s.%x> %s", Identity()->m_strStrategyKey, m_objectNumber, message));
 }
 
 void CStrategy::DelStrategy() {

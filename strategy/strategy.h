@@ -56,8 +56,10 @@ class CStrategy : public CBaseDataEventReceiver {
 
   /// The number that stands for this object in texts and thread messages; never given twice.
   uint32_t ObjectNumber() const { return m_objectNumber; }
-  CStrategyIdentity Identity() const;
-  std::wstring Key() const;
+  using IdentityPtr = std::shared_ptr<const CStrategyIdentity>;
+  /// Who the strategy is now; never none.
+  IdentityPtr Identity() const;
+  std::wstring Key() const { return Identity()->m_strStrategyKey; }
   void SetKey(const std::wstring& key);
 
   /// Takes the document over by exchange, reads the envelope and runs the two parse steps. On the command
@@ -96,6 +98,7 @@ class CStrategy : public CBaseDataEventReceiver {
 
   void WriteLog(const std::wstring& message);
   void PostEvent(uint32_t number, uintptr_t extra = 0) { m_owner.PostEngineMessage(number, this, extra); }
+  /// What the order info said in "UserKey2" gives way to this.
   void SetUserKey2(const std::wstring& text);
 
   /// The order info of the last command; only on the command thread, inside the parse steps.
@@ -122,11 +125,13 @@ class CStrategy : public CBaseDataEventReceiver {
   int64_t LocalDateTime14() { return ToDateTime14(Runtime().LocalTime()); }
 
  private:
+  void SetIdentity(CStrategyIdentity identity);
+
   IStrategyHost& m_owner;
   const uint32_t m_objectNumber;
 
   mutable CCriticalSection m_csIdentity;
-  CStrategyIdentity m_identity IORDER_GUARDED_BY(m_csIdentity);
+  IdentityPtr m_identity IORDER_GUARDED_BY(m_csIdentity);
 
   mutable CCriticalSection m_csOrderInfo;
   rapidjson::Document m_orderInfo;

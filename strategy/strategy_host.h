@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "records/host_gateway.h"
+#include "reference/quote_data.h"
 
 namespace iorder {
 
@@ -38,6 +39,8 @@ class IStrategyHost {
   virtual std::wstring GetStringFromSecurity(const std::wstring& symbol, const std::wstring& attribute) = 0;
   virtual ScaledValue RoundToTick(const std::wstring& symbol, double price) = 0;
   virtual bool IsAccountReady(const std::wstring& broker, const std::wstring& account) = 0;
+  /// Hands a snapshot to the profit monitor.
+  virtual void EnqueueQuote(const CQuoteData& quote) = 0;
 };
 
 }  // namespace iorder

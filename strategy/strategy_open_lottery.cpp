@@ -26,6 +26,7 @@ CStrategyOpenLottery::CStrategyOpenLottery(IStrategyHost& owner, std::wstring in
 
 // No event may find the strategy half destroyed, so the quotes go first.
 CStrategyOpenLottery::~CStrategyOpenLottery() {
+  CutOffShield shield(Runtime());
   CloseAllQuotes();
 }
 
