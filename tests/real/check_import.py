@@ -6,40 +6,23 @@
 
 import csv
 import json
-import subprocess
 import sys
 import tempfile
 from datetime import datetime, timedelta
 from pathlib import Path
 
+from real_day import SESSIONS, import_session, rows_of, symbol_of
+
 UTC_OFFSET = timedelta(hours=8)
 
 
-def import_session(program, source, session, day):
-    subprocess.run([program, "import", "taifex", "--options", source / f"txo_trades_{session}.csv.gz",
-                    "--futures", source / "tx_trades.csv.gz", "--series", source / "txo_delta_eod.csv",
-                    "--session", session, "--out", day], check=True, timeout=300, stdout=subprocess.DEVNULL)
-
-
-def symbol_of(row):
-    """The symbol of a row of a summary or of the list of series."""
-    month, _, week = row["expiry"].partition("W")
-    if row["product"] == "TXO":
-        return f"ND.O.TWF.TX{week}.{month}.{row['right']}.{row['strike']}"
-    return f"ND.F.TWF.{row['product'][:1]}X{week}.{month}" if week else f"ND.F.TWF.{row['product']}.{month}"
-
-
-def expected_series(source, session):
-    series = {}
-    for name in ("txo_series_summary_derived.csv", "tx_series_summary_derived.csv"):
-        with open(source / name, newline="") as file:
-            for row in csv.DictReader(file):
-                if row["session"] == session:
-                    series[symbol_of(row)] = {
-                        "open": float(row["open"]), "high": float(row["high"]), "low": float(row["low"]),
-                        "last": float(row["last"]), "volume": int(row["volume_lots"]),
-                        "first time": row["open_date"] + row["open_time"], "last time": row["last_date"] + row["last_time"]}
-    return series
+def expected_series(data, session):
+    return {symbol_of(row): {"open": float(row["open"]), "high": float(row["high"]), "low": float(row["low"]),
+                             "last": float(row["last"]), "volume": int(row["volume_lots"]),
+                             "first time": row["open_date"] + row["open_time"],
+                             "last time": row["last_date"] + row["last_time"]}
+            for name in ("txo_series_summary_derived.csv", "tx_series_summary_derived.csv")
+            for row in rows_of(data, name) if row["session"] == session}
 
 
 def imported_series(ticks):
@@ -65,7 +48,7 @@ def imported_series(ticks):
     return series
 
 
-def check_listing(day, source):
+def check_listing(day, data):
     """Every series of the exchange's list has a symbol row and a quote, with its last trading day."""
     rows, quotes = {}, {}
     with open(day) as file:
@@ -74,26 +57,23 @@ def check_listing(day, source):
                 rows[row["Symbol"]] = row
             if "quote" in line:
                 quotes[line["quote"]] = line
-    with open(source / "txo_delta_eod.csv", newline="") as file:
-        listed = {symbol_of(row) for row in csv.DictReader(file)}
+    listed = {symbol_of(row) for row in rows_of(data, "txo_delta_eod.csv")}
     assert listed == {symbol for symbol, row in rows.items() if row["Type"] == "O"}, "other series than the exchange lists"
     assert rows.keys() == quotes.keys(), "a symbol without a quote, or a quote without a symbol"
-    with open(source / "txo_series_summary_derived.csv", newline="") as file:
-        for row in csv.DictReader(file):
-            symbol, last_day = symbol_of(row), row["last_trading_day"]
-            assert rows[symbol]["ExpDate"] == last_day and quotes[symbol]["end_date"] == int(last_day), symbol
+    for row in rows_of(data, "txo_series_summary_derived.csv"):
+        symbol, last_day = symbol_of(row), row["last_trading_day"]
+        assert rows[symbol]["ExpDate"] == last_day and quotes[symbol]["end_date"] == int(last_day), symbol
     assert all(quote["mcode"] == 1 for quote in quotes.values())
     return len(listed)
 
 
 def main(program, data):
-    source = Path(data) / "taifex_20210726"
-    for session in ("night", "day"):
+    for session in SESSIONS:
         with tempfile.TemporaryDirectory() as folder:
             day = Path(folder) / f"{session}.day.jsonl"
-            import_session(program, source, session, day)
-            listed = check_listing(day, source)
-            found, expected = imported_series(Path(folder) / f"{session}.ticks.csv"), expected_series(source, session)
+            import_session(program, data, session, day)
+            listed = check_listing(day, data)
+            found, expected = imported_series(day.with_name(f"{session}.ticks.csv")), expected_series(data, session)
             assert expected, "an empty summary"
             wrong = [symbol for symbol in sorted(found.keys() | expected.keys()) if found.get(symbol) != expected.get(symbol)]
             for symbol in wrong:
