@@ -38,7 +38,7 @@ bool Names(const std::vector<FieldChange>& fields, std::wstring_view name) {
 
 }  // namespace
 
-COrderService::COrderService(IWorldRuntime& runtime, CEmbeddedBus& bus, CAccountTable& accounts)
+COrderService::COrderService(IWorldRuntime& runtime, CEmbeddedBus& bus, CAccountsRecord& accounts)
     : m_runtime(runtime), m_bus(bus), m_accounts(accounts), m_section(runtime, "orders") {}
 
 void COrderService::NewOrder(const std::wstring& text) {

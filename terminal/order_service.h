@@ -7,7 +7,7 @@
 
 #include "platform/critical_section.h"
 #include "platform/world_runtime.h"
-#include "terminal/account_table.h"
+#include "terminal/accounts_record.h"
 #include "terminal/day.h"
 #include "terminal/order_text.h"
 #include "terminal/record_bus.h"
@@ -39,7 +39,7 @@ class COrderService {
   /// Tells the engine of a record on a topic.
   using Announce = std::function<void(const std::wstring& topic, int32_t handle)>;
 
-  COrderService(IWorldRuntime& runtime, CEmbeddedBus& bus, CAccountTable& accounts);
+  COrderService(IWorldRuntime& runtime, CEmbeddedBus& bus, CAccountsRecord& accounts);
 
   void NewOrder(const std::wstring& text);
   void CancelOrder(const std::wstring& text);
@@ -62,7 +62,7 @@ class COrderService {
 
   IWorldRuntime& m_runtime;
   CEmbeddedBus& m_bus;
-  CAccountTable& m_accounts;
+  CAccountsRecord& m_accounts;
   CCriticalSection m_section;
   std::vector<SentOrder> m_orders IORDER_GUARDED_BY(m_section);
   std::vector<SentCancel> m_cancels IORDER_GUARDED_BY(m_section);

@@ -10,7 +10,7 @@
 namespace iorder {
 
 /// Numeric fields of a quote record.
-namespace quote_field {
+namespace feed_field {
 inline constexpr int32_t kTime = 2;
 inline constexpr int32_t kPrice = 3;
 inline constexpr int32_t kQuantity = 4;
@@ -21,7 +21,7 @@ inline constexpr int32_t kPriceP = 15;
 inline constexpr int32_t kDate = 21;
 inline constexpr int32_t kEndDate = 104;
 inline constexpr int32_t kPriceY = 135;
-}  // namespace quote_field
+}  // namespace feed_field
 
 /// The best prices and quantities of a market. They are no fields: the order service alone knows them.
 /// NoValue: unknown, or, in an update, as before.
@@ -66,13 +66,13 @@ struct QuoteUpdate {
   /// At most once for each id.
   void Set(int32_t id, int64_t value) {
     numbers[count++] = {id, false, value};
-    hasTime |= id == quote_field::kTime;
-    hasDate |= id == quote_field::kDate;
+    hasTime |= id == feed_field::kTime;
+    hasDate |= id == feed_field::kDate;
   }
   void Remove(int32_t id) {
     numbers[count++] = {id, true, 0};
-    hasTime |= id == quote_field::kTime;
-    hasDate |= id == quote_field::kDate;
+    hasTime |= id == feed_field::kTime;
+    hasDate |= id == feed_field::kDate;
   }
 };
 

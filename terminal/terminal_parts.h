@@ -3,7 +3,7 @@
 #include <string>
 
 #include "platform/world_runtime.h"
-#include "terminal/account_table.h"
+#include "terminal/accounts_record.h"
 #include "terminal/bus_thread.h"
 #include "terminal/day.h"
 #include "terminal/event_feed.h"
@@ -26,7 +26,7 @@ struct TerminalParts {
   CSymbolDatabase database;
   CSettingsFiles settings;
   CBusThread busThread;
-  CAccountTable accounts;
+  CAccountsRecord accounts;
   COrderService orders;
   CRequestDesk requests;
   CHostSink sink;

@@ -10,9 +10,9 @@
 namespace iorder {
 
 /// The record "ACCOUNTS": one node per broker, one item per account. Any thread may call; it fires nothing.
-class CAccountTable {
+class CAccountsRecord {
  public:
-  CAccountTable(IRuntime& runtime, CEmbeddedBus& bus) : m_bus(bus), m_section(runtime, "accounts") {}
+  CAccountsRecord(IRuntime& runtime, CEmbeddedBus& bus) : m_bus(bus), m_section(runtime, "accounts") {}
 
   /// Rewrites the record: an account that isn't named is gone.
   void Set(const AccountsAction& accounts);

@@ -1,4 +1,4 @@
-#include "terminal/account_table.h"
+#include "terminal/accounts_record.h"
 
 #include <algorithm>
 
@@ -10,13 +10,13 @@ constexpr int32_t kNotConnected = 0;
 
 }  // namespace
 
-void CAccountTable::Set(const AccountsAction& accounts) {
+void CAccountsRecord::Set(const AccountsAction& accounts) {
   CLockGuard guard(m_section);
   m_accounts = accounts;
   Write();
 }
 
-void CAccountTable::Drop(const std::wstring& account, bool dropped) {
+void CAccountsRecord::Drop(const std::wstring& account, bool dropped) {
   CLockGuard guard(m_section);
   if (dropped) {
     m_dropped.insert(account);
@@ -26,11 +26,11 @@ void CAccountTable::Drop(const std::wstring& account, bool dropped) {
   Write();
 }
 
-bool CAccountTable::IsConnected(const std::wstring& broker, const std::wstring& account) {
+bool CAccountsRecord::IsConnected(const std::wstring& broker, const std::wstring& account) {
   return m_bus.ItemHas(kAccountsRecord, broker, account, L"ConnectStatus", kConnected);
 }
 
-void CAccountTable::Write() {
+void CAccountsRecord::Write() {
   RecordChange record;
   record.name = kAccountsRecord;
   record.clear = true;
