@@ -132,7 +132,7 @@ class CDatabaseConnection : public ISymbolDatabase {
 };
 
 CSymbolDatabase::CSymbolDatabase(IRuntime& runtime, bool isThere, Observer observer)
-    : m_isThere(isThere), m_observer(std::move(observer)), m_section(runtime, "symbol database") {}
+    : m_isThere(isThere), m_observer(std::move(observer)), m_section(runtime, "database rows") {}
 
 CSymbolDatabase::~CSymbolDatabase() = default;
 
