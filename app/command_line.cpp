@@ -4,6 +4,8 @@
 
 #include <charconv>
 
+#include "terminal/input_error.h"
+
 namespace iorder {
 namespace {
 
@@ -35,6 +37,23 @@ CLI::Validator Number(double above, double highest) {
         return fmt::format("'{}', expected a number above {} up to {}", text, above, highest);
       },
       "");
+}
+
+CLI::Validator EitherWord(const std::string& first, const std::string& second) {
+  return CLI::Validator(
+      [first, second](std::string& text) -> std::string {
+        if (text == first || text == second) return "";
+        return fmt::format("'{}', expected {} or {}", text, first, second);
+      },
+      first + '|' + second);
+}
+
+std::pair<std::string, std::string> ReadAccount(const std::string& option, const std::string& text) {
+  const size_t slash = text.find('/');
+  if (slash == std::string::npos || slash == 0 || slash + 1 == text.size()) {
+    throw InputError(fmt::format("{}: '{}', expected BROKER/ACCOUNT", option, text));
+  }
+  return {text.substr(0, slash), text.substr(slash + 1)};
 }
 
 std::string Examples(const std::string& lines) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace iorder {
 
@@ -14,7 +15,7 @@ enum ExitCode : int {
   kWrongUsage = 2,  ///< wrong usage or wrong input
 };
 
-/// What the program does once its command line has been read; gives the exit code. Raises CInputError.
+/// What the program does once its command line has been read; gives the exit code. Raises InputError.
 using Job = std::function<int()>;
 
 /// Each adds one command to the program. When the command is the one given, `job` becomes what it does.
@@ -24,6 +25,12 @@ void AddMakeDayCommand(CLI::App& program, Job& job);
 /// Validators whose message says what was expected.
 CLI::Validator WholeNumber(int64_t lowest, int64_t highest);
 CLI::Validator Number(double above, double highest);
+
+/// One of two words.
+CLI::Validator EitherWord(const std::string& first, const std::string& second);
+
+/// The two halves of "BROKER/ACCOUNT", told with `option`; InputError for any other text.
+std::pair<std::string, std::string> ReadAccount(const std::string& option, const std::string& text);
 
 /// Text for the end of a command's help: the lines stand under "Examples:".
 std::string Examples(const std::string& lines);

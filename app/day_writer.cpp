@@ -5,6 +5,8 @@
 
 #include <map>
 
+#include "app/time_text.h"
+
 namespace iorder {
 namespace {
 
@@ -72,11 +74,11 @@ void CDayWriter::Line(Fill&& fill) {
   m_file.Write(line.Line());
 }
 
-CDayWriter::CDayWriter(const std::filesystem::path& path, LocalMoment start, LocalMoment end) : m_file(path) {
+CDayWriter::CDayWriter(const std::filesystem::path& path, LocalTime start, LocalTime end) : m_file(path) {
   Line([&](CObjectWriter& line) {
     line.Begin("day");
-    line.Text("start", ToText(start));
-    line.Text("end", ToText(end));
+    line.Text("start", TimeText(start));
+    line.Text("end", TimeText(end));
     line.Text("timezone", "Asia/Taipei");
     line.End();
   });

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "app/local_moment.h"
 #include "app/output_file.h"
+#include "terminal/local_time.h"
 
 namespace iorder {
 
@@ -34,7 +34,7 @@ class CDayWriter {
   using Fields = std::vector<std::pair<std::string, std::string>>;
 
   /// Writes the head. Both moments are local times of Asia/Taipei.
-  CDayWriter(const std::filesystem::path& path, LocalMoment start, LocalMoment end);
+  CDayWriter(const std::filesystem::path& path, LocalTime start, LocalTime end);
 
   void Note(std::string_view text);
   void Settings(std::string_view path, std::string_view text);

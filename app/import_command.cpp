@@ -2,10 +2,10 @@
 
 #include <iostream>
 #include <memory>
+#include <tuple>
 
 #include "app/command_line.h"
 #include "app/import/taifex_import.h"
-#include "app/input_error.h"
 #include "app/progress.h"
 
 namespace iorder {
@@ -20,12 +20,7 @@ struct Arguments {
 int Run(const Arguments& arguments) {
   TaifexImportOptions options = arguments.options;
   options.session = arguments.session == "day" ? TaifexSession::kDay : TaifexSession::kNight;
-  const size_t slash = arguments.account.find('/');
-  if (slash == std::string::npos || slash == 0 || slash + 1 == arguments.account.size()) {
-    throw CInputError(fmt::format("--account: '{}', expected BROKER/ACCOUNT", arguments.account));
-  }
-  options.brokerId = arguments.account.substr(0, slash);
-  options.account = arguments.account.substr(slash + 1);
+  std::tie(options.brokerId, options.account) = ReadAccount("--account", arguments.account);
 
   CProgress progress("bytes", 0);
   options.progress = [&](uint64_t done, uint64_t total) {
@@ -54,7 +49,7 @@ void AddImportCommand(CLI::App& program, Job& job) {
   command->add_option("--series", options.seriesFile,
                       "The exchange's list of option series [the series that traded]");
   command->add_option("--session", arguments->session, "08:45 to 13:45, or 15:00 to 05:00")
-      ->check(CLI::IsMember({"day", "night"}))
+      ->check(EitherWord("day", "night"))
       ->capture_default_str();
   command->add_option("--account", arguments->account, "BROKER/ACCOUNT that is connected")
       ->capture_default_str();

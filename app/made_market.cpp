@@ -7,8 +7,8 @@
 #include <cstddef>
 #include <cstdlib>
 
-#include "app/input_error.h"
 #include "app/option_price.h"
+#include "terminal/input_error.h"
 
 namespace iorder {
 namespace {
@@ -33,7 +33,7 @@ std::vector<int64_t> ChooseStrikes(int64_t price, int count) {
     std::vector<int64_t> strikes = StrikesAround(price, count, step);
     if (strikes.front() > price / 2) return strikes;
   }
-  throw CInputError(
+  throw InputError(
       fmt::format("--strikes: {} strikes don't fit around a price of {} points, expected fewer, or a "
                   "higher --price",
                   count, price));

@@ -44,7 +44,7 @@ struct MadeTrade {
 /// of time.
 class CMadeMarket {
  public:
-  /// Raises CInputError if so many strikes don't fit under the price.
+  /// Raises InputError if so many strikes don't fit under the price.
   CMadeMarket(const MarketShape& shape, uint64_t seed);
 
   /// The future first, then the options, calls before puts, strikes ascending.

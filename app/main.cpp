@@ -5,9 +5,9 @@
 #include <string>
 
 #include "app/command_line.h"
-#include "app/input_error.h"
 #include "platform/console.h"
 #include "platform/scratch_path.h"
+#include "terminal/input_error.h"
 
 namespace iorder {
 namespace {
@@ -70,7 +70,7 @@ int main(int argc, char** argv) {
   CleanUpOnInterruption();
   try {
     return CheckOutput(RunProgram(argc, argv));
-  } catch (const CInputError& error) {
+  } catch (const InputError& error) {
     return ReportError(error.what(), kWrongUsage);
   } catch (const std::exception& error) {
     return ReportError(std::string("unexpected error: ") + error.what(), kWrong);

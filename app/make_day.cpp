@@ -5,10 +5,11 @@
 #include <string_view>
 
 #include "app/day_writer.h"
-#include "app/input_error.h"
 #include "app/made_market.h"
 #include "app/option_price.h"
 #include "app/tick_writer.h"
+#include "app/time_text.h"
+#include "terminal/input_error.h"
 
 namespace iorder {
 namespace {
@@ -24,13 +25,18 @@ constexpr minutes kMargin{15};
 constexpr const char* kOptionProduct = "ND.O.TWF.TX";
 constexpr const char* kFutureProduct = "ND.F.TWF.TX";
 
-local_days DateOf(LocalMoment moment) {
+local_days DayOf(LocalTime moment) {
   return std::chrono::floor<days>(moment);
 }
 
+/// "HH:MM".
+std::string MinuteText(LocalTime moment) {
+  return TimeText(moment).substr(11, 5);
+}
+
 /// Orders for this market are judged only in its trading hours.
-bool LiesInTradingHours(LocalMoment start, minutes length) {
-  const auto begin = start - DateOf(start);
+bool LiesInTradingHours(LocalTime start, minutes length) {
+  const auto begin = start - DayOf(start);
   const auto end = begin + length;
   using std::chrono::hours;
   const bool day = begin >= hours(8) + minutes(45) && end <= hours(13) + minutes(45);
@@ -45,8 +51,8 @@ local_days ThirdWednesday(std::chrono::year_month month) {
 
 /// The last trading day of the nearest month that still trades when the session is over. Its last session
 /// ends in the early afternoon.
-local_days ExpiryAfter(LocalMoment end) {
-  const year_month_day date(DateOf(end));
+local_days ExpiryAfter(LocalTime end) {
+  const year_month_day date(DayOf(end));
   const std::chrono::year_month month = date.year() / date.month();
   const local_days expiry = ThirdWednesday(month);
   const bool expired = end > expiry + std::chrono::hours(13) + minutes(45);
@@ -68,7 +74,7 @@ std::string OptionsText(const MakeDayOptions& options) {
       "made by iorder make-day --seed {} --strikes {} --ticks {} --start {} --minutes {} --price {} "
       "--volatility {} "
       "--account {}/{}",
-      options.seed, options.strikes, options.ticks, ToText(options.start), options.minutes, options.price,
+      options.seed, options.strikes, options.ticks, TimeText(options.start), options.minutes, options.price,
       options.volatility, options.broker, options.account);
 }
 
@@ -114,19 +120,19 @@ std::filesystem::path TickFileOf(const std::filesystem::path& day) {
   std::string name = day.filename().string();
   const size_t ending = name.rfind(kEnding);
   if (ending == std::string::npos || ending == 0) {
-    throw CInputError(day.string() + ": expected a name that ends in " + std::string(kEnding));
+    throw InputError(day.string() + ": expected a name that ends in " + std::string(kEnding));
   }
   return day.parent_path() / name.replace(ending, kEnding.size(), ".ticks.csv");
 }
 
 void MakeDay(const MakeDayOptions& options, const std::function<void(int64_t ticks)>& progress) {
   const minutes length(options.minutes);
-  const LocalMoment end = options.start + length;
+  const LocalTime end = options.start + length;
   if (!LiesInTradingHours(options.start, length)) {
-    throw CInputError(
+    throw InputError(
         fmt::format("--start, --minutes: {} to {} isn't within the market's trading hours, expected 08:45 "
                     "to 13:45 or 15:00 to 05:00",
-                    TimeOfDayText(options.start), TimeOfDayText(end)));
+                    MinuteText(options.start), MinuteText(end)));
   }
   const local_days expiry = ExpiryAfter(end);
   const year_month_day expiryDate(expiry);
@@ -135,7 +141,7 @@ void MakeDay(const MakeDayOptions& options, const std::function<void(int64_t tic
   CMadeMarket market({.strikes = options.strikes,
                       .price = options.price,
                       .volatility = options.volatility,
-                      .daysToExpiry = (expiry - DateOf(options.start)).count(),
+                      .daysToExpiry = (expiry - DayOf(options.start)).count(),
                       .length = std::chrono::duration_cast<Milliseconds>(length).count(),
                       .future = fmt::format("{}.{}", kFutureProduct, month),
                       .chain = fmt::format("{}.{}", kOptionProduct, month)},

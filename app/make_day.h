@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "app/local_moment.h"
+#include "terminal/local_time.h"
 
 namespace iorder {
 
@@ -14,7 +14,7 @@ struct MakeDayOptions {
   uint64_t seed = 1;
   int strikes = 41;       ///< each listed as a call and a put
   int64_t ticks = 20000;  ///< rows of the tick file
-  LocalMoment start{};    ///< when the session opens, in Asia/Taipei
+  LocalTime start{};      ///< when the session opens, in Asia/Taipei
   int minutes = 300;      ///< how long it is
   int64_t price = 17500;  ///< of the underlying before the opening, in points
   int volatility = 20;    ///< in percent a year
@@ -32,7 +32,7 @@ std::filesystem::path TickFileOf(const std::filesystem::path& day);
 /// Writes a day with one chain of monthly options on a future, and its ticks as they are made: memory doesn't
 /// grow with their number. The chain opens as real ones do: what lies near the money in the opening auction,
 /// what lies far from it later or never, and far strikes are listed at every second step only. `progress` is
-/// told now and then how many ticks are written. Raises CInputError for options that don't fit together and
+/// told now and then how many ticks are written. Raises InputError for options that don't fit together and
 /// for files that can't be written; then neither file is there.
 void MakeDay(const MakeDayOptions& options, const std::function<void(int64_t ticks)>& progress);
 

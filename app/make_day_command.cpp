@@ -2,11 +2,12 @@
 
 #include <iostream>
 #include <memory>
+#include <tuple>
 
 #include "app/command_line.h"
-#include "app/input_error.h"
 #include "app/make_day.h"
 #include "app/progress.h"
+#include "terminal/input_error.h"
 
 namespace iorder {
 namespace {
@@ -18,27 +19,22 @@ struct Arguments {
   std::string day;
 };
 
-LocalMoment ReadStart(const std::string& text) {
-  const std::optional<LocalMoment> start = ParseLocalMoment(text);
+LocalTime ReadStart(const std::string& text) {
+  std::optional<LocalTime> start = ParseLocalTime(text);
+  // Seconds may be left out.
+  if (!start) start = ParseLocalTime(text + ":00");
   if (!start) {
-    throw CInputError(fmt::format("--start: '{}', expected a date and time as 2024-03-04T08:45", text));
+    throw InputError(fmt::format("--start: '{}', expected a date and time as 2024-03-04T08:45", text));
   }
   return *start;
-}
-
-void ReadAccount(const std::string& text, MakeDayOptions& options) {
-  const size_t slash = text.find('/');
-  if (slash == std::string::npos || slash == 0 || slash + 1 == text.size()) {
-    throw CInputError(fmt::format("--account: '{}', expected BROKER/ACCOUNT", text));
-  }
-  options.broker = text.substr(0, slash);
-  options.account = text.substr(slash + 1);
 }
 
 int Run(const Arguments& arguments) {
   MakeDayOptions options = arguments.options;
   if (!arguments.start.empty()) options.start = ReadStart(arguments.start);
-  if (!arguments.account.empty()) ReadAccount(arguments.account, options);
+  if (!arguments.account.empty()) {
+    std::tie(options.broker, options.account) = ReadAccount("--account", arguments.account);
+  }
   options.day = arguments.day.empty() ? fmt::format("made-{}.day.jsonl", options.seed) : arguments.day;
 
   CProgress progress("ticks", static_cast<double>(options.ticks));
@@ -66,7 +62,7 @@ void AddMakeDayCommand(CLI::App& program, Job& job) {
       ->check(WholeNumber(0, 1'000'000'000))
       ->capture_default_str();
   command->add_option("--start", arguments->start, "When the session opens, local time of Asia/Taipei")
-      ->default_str(ToText(options.start));
+      ->default_str(ToText(options.start).substr(0, 16));
   command->add_option("--minutes", options.minutes, "Length of the session")
       ->check(WholeNumber(1, 840))
       ->capture_default_str();

@@ -1,30 +1,26 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
-#include <optional>
+#include <memory>
 #include <string_view>
 
-#include "platform/scratch_path.h"
+#include "app/output_place.h"
+#include "terminal/output_file.h"
 
 namespace iorder {
 
-/// A file that the program writes. It gets its name only with Commit: what ends before leaves nothing behind
-/// and an earlier file of that name as it was. What is there and is no ordinary file (a pipe, a device) is
-/// written to at once. All operations raise CInputError if the file can't be written.
+/// A file that the program writes, packed if its name ends in ".gz" or ".zst". It appears whole, with Commit,
+/// or not at all. What can't be written is an InputError.
 class COutputFile {
  public:
-  explicit COutputFile(std::filesystem::path path);
+  explicit COutputFile(const std::filesystem::path& path);
 
   void Write(std::string_view text);
   void Commit();
 
  private:
-  [[noreturn]] void Fail() const;
-
-  std::filesystem::path m_path;
-  std::optional<CScratchPath> m_scratch;  ///< none where the file is written to at once
-  std::ofstream m_stream;
+  COutputPlace m_place;
+  std::unique_ptr<IOutputFile> m_file;
 };
 
 }  // namespace iorder

@@ -2,6 +2,8 @@
 
 #include <charconv>
 
+#include "app/time_text.h"
+
 namespace iorder {
 namespace {
 
@@ -42,13 +44,13 @@ void CTickWriter::Commit() {
   m_file.Commit();
 }
 
-void CTickWriter::AppendTime(LocalMoment at) {
+void CTickWriter::AppendTime(LocalTime at) {
   const auto date = std::chrono::floor<std::chrono::days>(at);
   if (!m_hasDate) m_date = date;
   m_hasDate = true;
   // Behind midnight the date must be said.
   if (date != m_date) {
-    m_text += ToText(at);
+    m_text += TimeText(at);
     return;
   }
   const int64_t time = (at - date).count();
@@ -62,7 +64,7 @@ void CTickWriter::AppendTime(LocalMoment at) {
   AppendDigits(m_text, time % 1000, 3);
 }
 
-void CTickWriter::AppendUtc(LocalMoment utc) {
+void CTickWriter::AppendUtc(LocalTime utc) {
   const auto day = std::chrono::floor<std::chrono::days>(utc);
   const std::chrono::year_month_day date(day);
   m_text += ',';

@@ -7,14 +7,14 @@
 #include <string>
 #include <string_view>
 
-#include "app/local_moment.h"
 #include "app/output_file.h"
+#include "terminal/local_time.h"
 
 namespace iorder {
 
 /// One trade as a row of a tick file. Prices are decimal texts.
 struct TradeRow {
-  LocalMoment at{};
+  LocalTime at{};
   std::string_view symbol;
   std::string_view price;
   int64_t quantity = 0;
@@ -34,8 +34,8 @@ class CTickWriter {
   void Commit();
 
  private:
-  void AppendTime(LocalMoment at);
-  void AppendUtc(LocalMoment utc);
+  void AppendTime(LocalTime at);
+  void AppendUtc(LocalTime utc);
   void Flush();
 
   COutputFile m_file;

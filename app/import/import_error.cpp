@@ -13,7 +13,7 @@ std::string OneLine(const std::filesystem::path& file, size_t line, const std::s
 
 CImportError::CImportError(const std::filesystem::path& file, size_t line, const std::string& what,
                            const std::string& expected)
-    : CInputError(OneLine(file, line, what, expected)),
+    : InputError(OneLine(file, line, what, expected)),
       m_file(file),
       m_line(line),
       m_what(what),

@@ -4,12 +4,12 @@
 #include <filesystem>
 #include <string>
 
-#include "app/input_error.h"
+#include "terminal/input_error.h"
 
 namespace iorder {
 
 /// A source file that can't be imported. Its text is one line: "file:line: what; expected ...".
-class CImportError : public CInputError {
+class CImportError : public InputError {
  public:
   /// `line` counts from 1; 0 means the file as a whole.
   CImportError(const std::filesystem::path& file, size_t line, const std::string& what,

@@ -4,15 +4,15 @@ namespace iorder {
 
 using namespace std::chrono_literals;
 
-LocalMoment TaifexSessionDate::Opens() const {
+LocalTime TaifexSessionDate::Opens() const {
   return session == TaifexSession::kDay ? date + 8h + 45min : date + 15h;
 }
 
-LocalMoment TaifexSessionDate::Closes() const {
+LocalTime TaifexSessionDate::Closes() const {
   return session == TaifexSession::kDay ? date + 13h + 45min : date + 29h;
 }
 
-std::optional<TaifexSessionDate> TaifexSessionDate::Of(LocalMoment time) {
+std::optional<TaifexSessionDate> TaifexSessionDate::Of(LocalTime time) {
   const std::chrono::local_days today = std::chrono::floor<std::chrono::days>(time);
   for (const TaifexSessionDate candidate :
        {TaifexSessionDate{TaifexSession::kDay, today}, TaifexSessionDate{TaifexSession::kNight, today},

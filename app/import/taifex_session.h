@@ -3,7 +3,7 @@
 #include <chrono>
 #include <optional>
 
-#include "app/local_moment.h"
+#include "terminal/local_time.h"
 
 namespace iorder {
 
@@ -17,11 +17,11 @@ struct TaifexSessionDate {
 
   bool operator==(const TaifexSessionDate&) const = default;
 
-  LocalMoment Opens() const;
-  LocalMoment Closes() const;
+  LocalTime Opens() const;
+  LocalTime Closes() const;
 
   /// The session that a trade of this time belongs to, both ends included; none between the sessions.
-  static std::optional<TaifexSessionDate> Of(LocalMoment time);
+  static std::optional<TaifexSessionDate> Of(LocalTime time);
 };
 
 }  // namespace iorder

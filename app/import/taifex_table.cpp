@@ -88,7 +88,7 @@ std::string_view CTaifexTable::Text(TaifexColumn column) const {
   return m_fields[m_place[static_cast<size_t>(column)]];
 }
 
-LocalMoment CTaifexTable::Time() const {
+LocalTime CTaifexTable::Time() const {
   const auto date = static_cast<int>(Number(Column::kDate, 0, 99999999));
   const auto time = static_cast<int>(Number(Column::kTime, 0, 999999));
   const std::chrono::year_month_day day(std::chrono::year(date / 10000),

@@ -33,7 +33,7 @@ class CTaifexTable {
   const CLineSource& Source() const { return m_source; }
 
   std::string_view Text(TaifexColumn column) const;
-  LocalMoment Time() const;
+  LocalTime Time() const;
   /// The series of the row; none for a product other than the index options and futures, and for a spread.
   std::optional<TaifexSeries> Series() const;
   ScaledValue Price() const;

@@ -36,7 +36,7 @@ class CTaifexTicks {
     uint32_t line = 0;
   };
   struct State {
-    LocalMoment second;
+    LocalTime second;
     std::vector<Carried> carried;
     ScaledValue open = 0;  ///< 0 before the first trade
     int64_t volume = 0;

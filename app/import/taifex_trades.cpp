@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "app/import/import_error.h"
+#include "app/time_text.h"
 
 namespace iorder {
 namespace {
@@ -33,7 +34,7 @@ class CReader {
 
  private:
   void ReadTrade(const TaifexSeries& series) {
-    const LocalMoment time = m_table.Time();
+    const LocalTime time = m_table.Time();
     const uint32_t index = IndexOf(series);
     CheckOrder(time, index);
     if (!IsWanted(time)) return;
@@ -50,26 +51,26 @@ class CReader {
     return entry->second;
   }
 
-  void CheckOrder(LocalMoment time, uint32_t series) {
-    LocalMoment& last = m_table.IsOriginalForm() ? m_lastTimes[series] : m_lastTime;
+  void CheckOrder(LocalTime time, uint32_t series) {
+    LocalTime& last = m_table.IsOriginalForm() ? m_lastTimes[series] : m_lastTime;
     if (time < last) {
-      m_table.Source().Fail("goes back in time to " + ToText(time), "no time before " + ToText(last));
+      m_table.Source().Fail("goes back in time to " + TimeText(time), "no time before " + TimeText(last));
     }
     last = time;
   }
 
   /// Whether a trade of this time belongs to the session, whose date is now set.
-  bool IsWanted(LocalMoment time) {
+  bool IsWanted(LocalTime time) {
     const std::optional<TaifexSessionDate> found = TaifexSessionDate::Of(time);
     if (!found) {
-      m_table.Source().Fail("is a trade between the sessions, at " + ToText(time),
+      m_table.Source().Fail("is a trade between the sessions, at " + TimeText(time),
                             "a time from 084500 to 134500 or from 150000 to 050000");
     }
     if (found->session != m_session) return false;
     if (!m_date) m_date = found;
     if (*found != *m_date) {
-      m_table.Source().Fail("is a trade of another session, at " + ToText(time),
-                            "trades of one session, from " + ToText(m_date->Opens()));
+      m_table.Source().Fail("is a trade of another session, at " + TimeText(time),
+                            "trades of one session, from " + TimeText(m_date->Opens()));
     }
     return true;
   }
@@ -79,8 +80,8 @@ class CReader {
   std::optional<TaifexSessionDate>& m_date;
   TaifexTrades m_trades;
   std::map<TaifexSeries, uint32_t> m_indexes;
-  LocalMoment m_lastTime;                ///< of all rows
-  std::vector<LocalMoment> m_lastTimes;  ///< by series
+  LocalTime m_lastTime;                ///< of all rows
+  std::vector<LocalTime> m_lastTimes;  ///< by series
 };
 
 }  // namespace

@@ -17,7 +17,7 @@ namespace iorder {
 /// One row of a trade file: fills of one side (options) or of both (futures). Both sides have rows, so
 /// quantities count every lot twice.
 struct TaifexTrade {
-  LocalMoment time;
+  LocalTime time;
   ScaledValue price = 0;
   int64_t quantity = 0;
   uint32_t series = 0;  ///< index in TaifexTrades::series

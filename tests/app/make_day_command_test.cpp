@@ -150,7 +150,7 @@ TEST(MakeDay, WrongOptionsEndWithOneLineAndNoFile) {
       {"--account B1", "--account: 'B1', expected BROKER/ACCOUNT"},
       {"--out day.json", "day.json: expected a name that ends in .day.jsonl"},
       {"--out .", ".: expected a name that ends in .day.jsonl"},
-      {"--out nowhere/a.day.jsonl", "nowhere/a.day.jsonl: cannot be written: No such file or directory"},
+      {"--out nowhere/a.day.jsonl", "nowhere/a.day.jsonl: can't be written: No such file or directory"},
       {"--colour red", "'--colour' isn't known"},
       {"extra", "'extra' isn't known"},
   };

@@ -190,9 +190,9 @@ TEST_F(TaifexBadInput, ListWithoutSeries) {
 TEST_F(TaifexBadInput, ADayThatCannotBeWritten) {
   TaifexImportOptions options = m_folder.Options();
   options.day = m_folder.Path("missing/day.day.jsonl");
-  EXPECT_THROW(ImportTaifex(options), CInputError);
+  EXPECT_THROW(ImportTaifex(options), InputError);
   options.day = m_folder.Path("day.json");
-  EXPECT_THROW(ImportTaifex(options), CInputError);
+  EXPECT_THROW(ImportTaifex(options), InputError);
   EXPECT_THAT(m_folder.Files(), ElementsAre("futures.csv", "options.csv"));
 }
 
