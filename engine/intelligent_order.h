@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/account_table.h"
+#include "engine/connected_accounts.h"
 #include "engine/host_events_proxy.h"
 #include "engine/pnl_settings.h"
 #include "engine/strategy_registry.h"
@@ -179,7 +179,7 @@ class CIntelligentOrder final : public CBaseDataEventReceiver,
   CStrategyRegistry m_strategies;
   CQuoteSubscriptions m_quotes;
   CQuoteQueue m_quoteQueue;
-  CAccountTable m_accounts;
+  CConnectedAccounts m_accounts;
   CPnLSettings m_limits;
   std::unique_ptr<CTimer> m_timer;
 };

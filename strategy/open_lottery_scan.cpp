@@ -71,7 +71,7 @@ void CStrategyOpenLottery::LogOpenPrice(const std::wstring& symbol, CBaseData* h
   const auto field = [handle](int32_t id) { return handle->GetFieldById(id); };
   WriteLog(fmt::sprintf(
       L"LogOpenPrice. Symbol=%s, Date=%lld, Time=%lld, Open=%lld, Qty=%lld, Vol=%lld, Price=%lld.", symbol,
-      field(quote_field::kDate), field(quote_field::kTime), openPrice, field(quote_field::kQty),
+      field(quote_field::kDate), field(quote_field::kTime), openPrice, field(quote_field::kQuantity),
       field(quote_field::kVolume), field(quote_field::kPrice)));
 }
 

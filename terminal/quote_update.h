@@ -5,23 +5,10 @@
 #include <cstdint>
 #include <optional>
 
+#include "records/quote_field.h"
 #include "records/scaled_value.h"
 
 namespace iorder {
-
-/// Numeric fields of a quote record.
-namespace feed_field {
-inline constexpr int32_t kTime = 2;
-inline constexpr int32_t kPrice = 3;
-inline constexpr int32_t kQuantity = 4;
-inline constexpr int32_t kVolume = 6;
-inline constexpr int32_t kOpen = 8;
-inline constexpr int32_t kPriceR = 12;
-inline constexpr int32_t kPriceP = 15;
-inline constexpr int32_t kDate = 21;
-inline constexpr int32_t kEndDate = 104;
-inline constexpr int32_t kPriceY = 135;
-}  // namespace feed_field
 
 /// The best prices and quantities of a market. They are no fields: the order service alone knows them.
 /// NoValue: unknown, or, in an update, as before.
@@ -66,13 +53,13 @@ struct QuoteUpdate {
   /// At most once for each id.
   void Set(int32_t id, int64_t value) {
     numbers[count++] = {id, false, value};
-    hasTime |= id == feed_field::kTime;
-    hasDate |= id == feed_field::kDate;
+    hasTime |= id == quote_field::kTime;
+    hasDate |= id == quote_field::kDate;
   }
   void Remove(int32_t id) {
     numbers[count++] = {id, true, 0};
-    hasTime |= id == feed_field::kTime;
-    hasDate |= id == feed_field::kDate;
+    hasTime |= id == quote_field::kTime;
+    hasDate |= id == quote_field::kDate;
   }
 };
 

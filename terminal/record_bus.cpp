@@ -455,10 +455,10 @@ void CEmbeddedBus::ApplyQuoteLocked(CBusObject& quote, const QuoteUpdate& update
     }
   }
   if (update.clock && !update.hasTime) {
-    record.SetNumber(feed_field::kTime, QuoteTime(utc, record.TimeFormat()));
+    record.SetNumber(quote_field::kTime, QuoteTime(utc, record.TimeFormat()));
   }
   if (update.clock && !update.hasDate) {
-    record.SetNumber(feed_field::kDate, ToDate8(utc));
+    record.SetNumber(quote_field::kDate, ToDate8(utc));
   }
   const auto take = [](int64_t& slot, int64_t value) { slot = value != NoValue ? value : slot; };
   take(quote.m_best.bid, update.best.bid);

@@ -1,4 +1,4 @@
-#include "engine/account_table.h"
+#include "engine/connected_accounts.h"
 
 #include <algorithm>
 
@@ -14,7 +14,7 @@ constexpr size_t kNamePrefix = 2;
 
 }  // namespace
 
-void CAccountTable::Rebuild(CBaseData& accounts) {
+void CConnectedAccounts::Rebuild(CBaseData& accounts) {
   CLockGuard guard(m_csAccounts);
   m_mapConnected.clear();
   const Value names = accounts.GetValue(read_code::kNames, kNodeNamesSelector);
@@ -27,7 +27,7 @@ void CAccountTable::Rebuild(CBaseData& accounts) {
   }
 }
 
-void CAccountTable::AddConnected(CBaseData& broker) {
+void CConnectedAccounts::AddConnected(CBaseData& broker) {
   const int32_t count = Int32Or(broker.GetValue(read_code::kItem, -1), 0);
   for (int32_t i = 0; i < count; ++i) {
     const auto item = broker.OpenItem(i, nullptr);
@@ -36,7 +36,7 @@ void CAccountTable::AddConnected(CBaseData& broker) {
   }
 }
 
-bool CAccountTable::IsReady(const std::wstring& broker, const std::wstring& account) {
+bool CConnectedAccounts::IsReady(const std::wstring& broker, const std::wstring& account) {
   const std::wstring key = broker + L"_" + account;
   CLockGuard guard(m_csAccounts);
   return m_mapConnected.contains(key);

@@ -9,9 +9,9 @@
 namespace iorder {
 
 /// The accounts whose connection is up now. Any thread may call.
-class CAccountTable {
+class CConnectedAccounts {
  public:
-  explicit CAccountTable(IRuntime& runtime) : m_csAccounts(runtime, "m_csAccounts") {}
+  explicit CConnectedAccounts(IRuntime& runtime) : m_csAccounts(runtime, "m_csAccounts") {}
 
   /// Rebuilds the table from nothing out of the record "ACCOUNTS". The lock is held while the record is read.
   void Rebuild(CBaseData& accounts);
