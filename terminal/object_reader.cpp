@@ -2,27 +2,29 @@
 
 #include <algorithm>
 #include <charconv>
-#include <numeric>
 #include <set>
 #include <utility>
 
 namespace iorder {
 namespace {
 
-/// Number of letters to put in, leave out or change between two words.
+/// Number of letters to put in, leave out, change or swap with their neighbour between two words.
 size_t EditDistance(std::string_view left, std::string_view right) {
-  std::vector<size_t> row(right.size() + 1);
-  std::iota(row.begin(), row.end(), size_t{0});
-  for (size_t i = 0; i < left.size(); ++i) {
-    size_t diagonal = row[0];
-    row[0] = i + 1;
-    for (size_t j = 0; j < right.size(); ++j) {
-      const size_t change = diagonal + (left[i] == right[j] ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({change, row[j] + 1, diagonal + 1});
+  std::vector<std::vector<size_t>> rows(left.size() + 1, std::vector<size_t>(right.size() + 1));
+  for (size_t i = 0; i <= left.size(); ++i) {
+    for (size_t j = 0; j <= right.size(); ++j) {
+      if (i == 0 || j == 0) {
+        rows[i][j] = i + j;
+        continue;
+      }
+      const size_t change = rows[i - 1][j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1);
+      rows[i][j] = std::min({change, rows[i - 1][j] + 1, rows[i][j - 1] + 1});
+      if (i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1]) {
+        rows[i][j] = std::min(rows[i][j], rows[i - 2][j - 2] + 1);
+      }
     }
   }
-  return row.back();
+  return rows[left.size()][right.size()];
 }
 
 }  // namespace
@@ -78,8 +80,11 @@ const JsonNode* CObjectReader::Find(std::string_view key) {
 const JsonNode& CObjectReader::Need(std::string_view key) {
   const JsonNode* const node = Find(key);
   if (node == nullptr) {
-    // A misspelled key is the likelier mistake than a forgotten one.
-    Finish();
+    for (const JsonNode* const member : Rest()) {
+      if (NearestWord(member->name, {key}) == key) {
+        FailUnknown(member->name, {key});
+      }
+    }
     FailAt(m_place, "key '" + std::string(key) + "' is missing in " + m_what);
   }
   return *node;
@@ -169,11 +174,13 @@ const JsonNode* CObjectReader::List(std::string_view key) {
 
 void CObjectReader::Finish() {
   const std::vector<const JsonNode*> unknown = Rest();
-  if (unknown.empty()) {
-    return;
+  if (!unknown.empty()) {
+    FailUnknown(unknown.front()->name, m_known);
   }
-  const std::string& wrong = unknown.front()->name;
-  const std::string nearest = NearestWord(wrong, m_known);
+}
+
+void CObjectReader::FailUnknown(const std::string& wrong, const std::vector<std::string_view>& known) const {
+  const std::string nearest = NearestWord(wrong, known);
   FailAt(m_place, "unknown key '" + wrong + "' in " + m_what +
                       (nearest.empty() ? std::string() : "; did you mean '" + nearest + "'?"));
 }

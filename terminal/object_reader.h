@@ -56,6 +56,8 @@ class CObjectReader {
   [[noreturn]] void FailKind(std::string_view key, const JsonNode& node, const std::string& expected) const;
 
  private:
+  [[noreturn]] void FailUnknown(const std::string& wrong, const std::vector<std::string_view>& known) const;
+
   const JsonNode& m_object;
   std::string m_what;
   FilePlace m_place;
