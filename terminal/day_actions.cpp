@@ -502,7 +502,8 @@ class CFaultReader {
   FaultAction ReadTimerFault() {
     FaultAction fault;
     fault.kind = FaultAction::Kind::kTimer;
-    fault.name = L"timer " + std::to_wstring(m_reader.NeedInteger("timer", 0, kInt32Most));
+    // The waitable timers of the engine are named by their service and this number.
+    fault.name = L"." + std::to_wstring(m_reader.NeedInteger("timer", 0, kInt32Most));
     ReadTime("late_ms", fault);
     return fault;
   }
