@@ -27,7 +27,8 @@ double ReadJsonDouble(const rapidjson::Value& object, std::string_view name, dou
 
 double ReadJsonNumber(const rapidjson::Value& object, std::string_view name, double fallback) {
   const rapidjson::Value* member = FindMember(object, name);
-  if (fallback == NoPrice && (member == nullptr || !member->IsNumber())) return NoPrice;
+  const bool readable = member != nullptr && (member->IsDouble() || member->IsInt64());
+  if (fallback == NoPrice && !readable) return NoPrice;
   return ReadJsonNumberLoose(object, name, fallback);
 }
 
