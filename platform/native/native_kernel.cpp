@@ -135,7 +135,8 @@ std::optional<size_t> CNativeKernel::Wait(Guard& guard, CNativeThread& self, std
   for (size_t i = 0; i < what.size(); ++i) {
     if (what[i]->TryTake()) return EndHold(guard, self, i);
   }
-  if (!mayBlock || (until && *until <= m_clock.Now())) return std::nullopt;
+  if (!mayBlock) return std::nullopt;
+  if (until && *until <= m_clock.Now()) return EndHold(guard, self, std::nullopt);
 
   self.BeginWait(what);
   while (!self.Released() && !self.m_isCutOff) {
@@ -159,7 +160,7 @@ void CNativeKernel::WaitForWake(Guard& guard, CNativeThread& self, std::optional
   }
 }
 
-/// A thread that is held doesn't return from its wait before the hold is over.
+/// A thread that is held returns from no wait, not even from a look, before the hold is over.
 std::optional<size_t> CNativeKernel::EndHold(Guard& guard, CNativeThread& self,
                                              std::optional<size_t> result) {
   while (m_clock.Now() < self.m_heldUntil && !self.CheckCutOff()) WaitForWake(guard, self, self.m_heldUntil);

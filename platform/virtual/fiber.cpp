@@ -38,7 +38,12 @@ namespace {
 namespace context = boost::context::detail;
 
 constexpr size_t kGuardSize = 4096;
-constexpr size_t kMappingSize = CFiberStack::kSize + kGuardSize;
+#if defined(IORDER_ASAN) || defined(IORDER_TSAN)
+constexpr size_t kStackSize = 1024 * 1024;
+#else
+constexpr size_t kStackSize = 256 * 1024;
+#endif
+constexpr size_t kMappingSize = kStackSize + kGuardSize;
 
 }  // namespace
 
@@ -81,7 +86,7 @@ CFiberStack CFiberStackPool::Take() {
 void CFiberStackPool::Give(CFiberStack stack) {
 #if defined(IORDER_ASAN)
   // What the ended fiber's frames left marked isn't true for the next one.
-  __asan_unpoison_memory_region(stack.Bottom(), CFiberStack::kSize);
+  __asan_unpoison_memory_region(stack.Bottom(), kStackSize);
 #endif
   m_free.push_back(std::move(stack));
 }
@@ -104,10 +109,10 @@ struct CFiber::Trampoline {
 
 CFiber::CFiber(CFiberStack stack, Entry entry, void* argument) noexcept
     : m_stack(std::move(stack)), m_entry(entry), m_argument(argument) {
-  m_context = context::make_fcontext(m_stack.Top(), CFiberStack::kSize,
+  m_context = context::make_fcontext(m_stack.Top(), kStackSize,
                                      [](context::transfer_t transfer) { Trampoline::Begin(transfer); });
   m_stackBottom = m_stack.Bottom();
-  m_stackSize = CFiberStack::kSize;
+  m_stackSize = kStackSize;
 #if defined(IORDER_TSAN)
   m_tsanFiber = __tsan_create_fiber(0);
 #endif

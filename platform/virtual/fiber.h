@@ -5,12 +5,10 @@
 
 namespace iorder {
 
-/// A stack for a fiber, with a page below it that may not be touched. Empty if the system had no memory for
-/// it.
+/// A stack of 256 KiB for a fiber (1 MiB under a sanitizer, whose frames are larger), with a page below it
+/// that may not be touched. Empty if the system had no memory for it.
 class CFiberStack {
  public:
-  static constexpr size_t kSize = 256 * 1024;
-
   CFiberStack() = default;
   static CFiberStack Allocate() noexcept;
   ~CFiberStack();

@@ -121,7 +121,7 @@ std::optional<size_t> CScheduler::Wait(std::span<CSignal* const> what, std::opti
   for (size_t i = 0; i < what.size(); ++i) {
     if (what[i]->TryTake()) return EndHold(self, i);
   }
-  if (!mayBlock) return std::nullopt;
+  if (!mayBlock) return EndHold(self, std::nullopt);
   if (until && ComesFirst(*until, precedence)) {
     AdvanceTo(*until);
     return EndHold(self, std::nullopt);
@@ -155,7 +155,7 @@ bool CScheduler::ComesFirst(TimePoint until, Precedence precedence) const noexce
   return m_seed == 0 && until == m_due.FirstTime() && precedence < m_due.FirstPrecedence();
 }
 
-/// A thread that is held doesn't return from its wait before the hold is over.
+/// A thread that is held returns from no wait, not even from a look, before the hold is over.
 std::optional<size_t> CScheduler::EndHold(CVirtualThread& self, std::optional<size_t> result) {
   while (m_now < self.m_heldUntil && !self.CheckCutOff()) {
     m_due.Add(self, self.m_heldUntil, Precedence::kEngine);

@@ -443,6 +443,25 @@ TEST_P(RuntimeTest, LocksMayBeLeftInAnyOrder) {
   });
 }
 
+TEST_P(RuntimeTest, LocksTakenInBothOrdersAreAnErrorOfTheRun) {
+  const auto errors = m_runtime->Run([&] {
+    auto a = m_runtime->CreateLock("a");
+    auto b = m_runtime->CreateLock("b");
+    const auto nest = [](ILock& outer, ILock& inner) {
+      outer.Enter();
+      inner.Enter();
+      inner.Leave();
+      outer.Leave();
+    };
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_TRUE(Comes(*Start(L"one", [&] { nest(*a, *b); })));
+      EXPECT_TRUE(Comes(*Start(L"two", [&] { nest(*b, *a); })));
+    }
+  });
+  EXPECT_EQ(errors, (std::vector<std::string>{"lock order: thread 'two' takes 'a' while it holds 'b'; but "
+                                              "'b' was taken under 'a' by thread 'one'"}));
+}
+
 TEST_P(RuntimeTest, TheClockShowsTheTimeOfTheZone) {
   const TimePoint start = m_runtime->FromLocal(kStart);
   EXPECT_EQ(m_runtime->ToLocal(start), kStart);
@@ -542,6 +561,21 @@ TEST_P(RuntimeTest, AHeldThreadWakesFromNoWaitUntilTheHoldIsOver) {
     EXPECT_LT(m_runtime->Now(), end);
     for (IThread* thread : {sleeper.get(), waiter.get(), reader.get()}) EXPECT_TRUE(Comes(*thread));
     for (const TimePoint moment : woken) EXPECT_GE(moment, end);
+  });
+}
+
+TEST_P(RuntimeTest, AHeldThreadDoesNotEvenLook) {
+  Run([&] {
+    auto event = m_runtime->CreateEvent(EventReset::kManual, true);
+    const TimePoint end = m_runtime->Now() + Milliseconds(5000);
+    m_runtime->HoldThread(L"looker", Milliseconds(5000));
+    TimePoint looked;
+    auto thread = Start(L"looker", [&] {
+      m_runtime->Wait(*event, Milliseconds(0));
+      looked = m_runtime->Now();
+    });
+    EXPECT_TRUE(Comes(*thread));
+    EXPECT_GE(looked, end);
   });
 }
 
