@@ -105,23 +105,17 @@ void CStrategyOpenLottery::BuildChain(const COpenLotteryInfo& info, const std::w
 
 std::wstring CStrategyOpenLottery::ComposeUnderlying(const COpenLotteryInfo& info,
                                                      const std::wstring& chainSymbol) {
-  std::wstring base;
-  std::wstring month;
-  if (info.m_strSecurity == kNearestChain) {
-    const std::wstring first = m_chain.FirstSymbol();
-    month = GetSymbolMonth(first);
-    {
-      CLockGuard guard(m_csRun);
-      m_strChainSymbol = GetSymbolMonthKey(first);
-    }
-    if (!first.empty()) base = GetUnderlyingBase(first);
-  } else {
-    month = GetSymbolMonth(info.m_strSecurity);
-    base = GetUnderlyingBase(info.m_strSecurity);
+  const bool nearest = info.m_strSecurity == kNearestChain;
+  const std::wstring option = nearest ? m_chain.FirstSymbol() : info.m_strSecurity;
+  if (nearest) {
+    CLockGuard guard(m_csRun);
+    m_strChainSymbol = GetSymbolMonthKey(option);
   }
-  if (base.starts_with(kUnderlyingFuturePrefix)) {
-    return base + L"." + (month == kHotMonth ? GetSymbolMonth(chainSymbol) : month);
-  }
+  const std::wstring base = nearest && option.empty() ? std::wstring() : GetUnderlyingBase(option);
+  // An underlying series goes by the month of the options, the future of a HOT chain by its own hot month.
+  if (base.starts_with(kUnderlyingFuturePrefix))
+    return base + L"." + GetSymbolMonth(nearest ? option : chainSymbol);
+  std::wstring month = GetSymbolMonth(info.m_strSecurity);
   if (month == kHotMonth) month = GetSymbolMonth(Owner().GetHotMonth(base + L".HOT"));
   return base.starts_with(kFuturePrefix) ? base + L"." + month : base;
 }
