@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "bench/bench_day.h"
+#include "bench/ratio.h"
+
+/// The engine's paths that matter, each against a baseline that is measured in the same run.
+namespace iorder {
+
+/// A whole day in virtual time, against a bare parse of its tick file.
+Ratio ReplayAgainstParse(const std::string& name, const std::string& dayPath, const std::string& chain,
+                         int repeats);
+/// One event of a day with many symbols, against one of a day with few.
+Ratio ManySymbolsAgainstFew(const CBenchFolder& folder, int repeats);
+/// One update of a judged option through bus, handle, strategy and verdict, against one hash look-up of its
+/// symbol.
+Ratio QuoteAgainstLookup(const CBenchFolder& folder, int repeats);
+/// Five hours with nothing to do, against 20 ms.
+Ratio QuietSession(const CBenchFolder& folder, int repeats);
+/// A batch over 100 symbols, against swprintf of its order strings.
+Ratio BatchAgainstFormat(const CBenchFolder& folder, int repeats);
+
+}  // namespace iorder
