@@ -6,6 +6,7 @@
 
 #include "bench/paths.h"
 #include "platform/text.h"
+#include "reference/symbol.h"
 #include "terminal/day_file.h"
 #include "terminal/record_bus.h"
 
@@ -15,15 +16,16 @@ namespace {
 
 constexpr int kUpdates = 20000;
 
-/// The options of a chain that the engine has subscribed by now: those that a tick named, in their order.
-std::vector<std::wstring> SymbolsOf(const Day& day) {
+/// The calls of the day that have opened by now, so that each was judged.
+std::vector<std::wstring> OpenedCalls(const Day& day, CEmbeddedBus& bus) {
   std::vector<std::wstring> symbols;
   for (const DayLine& line : day.lines) {
     const auto* action = std::get_if<SymbolsAction>(&line.action);
     if (action == nullptr) continue;
     for (const SymbolsAction::Row& row : action->rows) {
-      const std::string& symbol = *row.front();
-      if (symbol.find(".C.") != std::string::npos) symbols.push_back(ToWide(symbol));
+      const std::wstring symbol = ToWide(*row.front());
+      const Value open = bus.Quote(symbol).GetValue(read_code::kNumber, quote_field::kOpen);
+      if (IsCall(symbol) && std::holds_alternative<int64_t>(open)) symbols.push_back(symbol);
     }
   }
   return symbols;
@@ -58,13 +60,12 @@ Ratio QuoteAgainstLookup(const CBenchFolder& folder, int repeats) {
   Day day = ReadDayFile(MakeBenchDay(folder, "quote", 41, 20000, 60));
   InsertCommand(day, BenchCommand("ND.O.TWF.TX.202403", 20.0, 0),
                 ToLocalTime(DateTime{2024, 3, 1, 4, 9, 30, 0, 0}));
-  const std::vector<std::wstring> symbols = SymbolsOf(day);
-  std::unordered_map<std::wstring, int> table;
-  for (const std::wstring& symbol : symbols) table.emplace(symbol, static_cast<int>(table.size()));
-
   Ratio ratio;
   RunBenchDay(day, [&](IWorldRuntime&, CEmbeddedTerminal& terminal) {
     auto& bus = static_cast<CEmbeddedBus&>(terminal.GetWorld().bus);
+    const std::vector<std::wstring> symbols = OpenedCalls(day, bus);
+    std::unordered_map<std::wstring, int> table;
+    for (const std::wstring& symbol : symbols) table.emplace(symbol, static_cast<int>(table.size()));
     ratio = Compare("one update of a judged option", "one hash look-up of its symbol",
                     Timed(kUpdates, [&] { Keep(LookUpSymbols(table, symbols)); }),
                     Timed(kUpdates, [&] { PlayUpdates(bus, symbols); }), 3.0, repeats);
