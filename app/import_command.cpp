@@ -24,7 +24,8 @@ int Run(const Arguments& arguments) {
 
   CProgress progress("bytes", 0);
   options.progress = [&](uint64_t done, uint64_t total) {
-    progress.Show(static_cast<double>(done), static_cast<double>(done) / static_cast<double>(total));
+    progress.Show(static_cast<double>(done),
+                  total == 0 ? 0 : static_cast<double>(done) / static_cast<double>(total));
   };
   const TaifexImportResult result = ImportTaifex(options);
   progress.Clear();
@@ -43,7 +44,8 @@ void AddImportCommand(CLI::App& program, Job& job) {
   TaifexImportOptions& options = arguments->options;
   CLI::App* const command =
       import->add_subcommand("taifex", "One session of the index options and futures of Taiwan's exchange");
-  command->add_option("--options", options.optionsFile, "Trades of the options (TXO), .csv or .csv.gz")
+  command
+      ->add_option("--options", options.optionsFile, "Trades of the options (TXO), .csv, .csv.gz or .csv.zst")
       ->required();
   command->add_option("--futures", options.futuresFile, "Trades of the futures (TX, weekly MTX)")->required();
   command->add_option("--series", options.seriesFile,

@@ -19,32 +19,33 @@ namespace {
 /// The exchange's clock knows no summer time.
 constexpr std::chrono::hours kUtcOffset{8};
 
+/// The size of a trade file; 0 if it isn't known before it is unpacked.
+uint64_t SizeOf(const std::filesystem::path& path) {
+  std::error_code error;
+  const uintmax_t size = std::filesystem::file_size(path, error);
+  return error || path.extension() == ".gz" || path.extension() == ".zst" ? 0 : size;
+}
+
 /// Counts the bytes of both trade files as one progress.
 class CBytesOfAll {
  public:
   explicit CBytesOfAll(const TaifexImportOptions& options) : m_callback(options.progress) {
-    for (const std::filesystem::path& path : {options.optionsFile, options.futuresFile})
-      m_total += SizeOf(path);
+    const uint64_t sizes[] = {SizeOf(options.optionsFile), SizeOf(options.futuresFile)};
+    if (sizes[0] != 0 && sizes[1] != 0) m_total = sizes[0] + sizes[1];
   }
 
-  BytesRead For(const std::filesystem::path& path) {
-    const uint64_t before = m_before;
-    m_before += SizeOf(path);
-    return [this, before](uint64_t bytes) {
-      if (m_callback) m_callback(before + bytes, m_total);
+  /// For the next file: its bytes stand on top of those of the files before.
+  BytesRead NextFile() {
+    return [this, before = m_done](uint64_t bytes) {
+      m_done = before + bytes;
+      if (m_callback) m_callback(m_done, m_total);
     };
   }
 
  private:
-  static uint64_t SizeOf(const std::filesystem::path& path) {
-    std::error_code error;
-    const uintmax_t size = std::filesystem::file_size(path, error);
-    return error ? 0 : size;
-  }
-
   const std::function<void(uint64_t, uint64_t)>& m_callback;
   uint64_t m_total = 0;
-  uint64_t m_before = 0;
+  uint64_t m_done = 0;
 };
 
 void AddBothRights(TaifexSeries series, std::set<TaifexSeries>& all) {
@@ -123,12 +124,10 @@ std::set<TaifexSeries> Traded(const TaifexTrades& trades) {
 TaifexImportResult ImportTaifex(const TaifexImportOptions& options) {
   CBytesOfAll progress(options);
   std::optional<TaifexSessionDate> date;
-  const TaifexTrades optionTrades =
-      ReadTaifexTrades(options.optionsFile, CTaifexTable::Kind::kOptionTrades, options.session, date,
-                       progress.For(options.optionsFile));
-  const TaifexTrades futureTrades =
-      ReadTaifexTrades(options.futuresFile, CTaifexTable::Kind::kFutureTrades, options.session, date,
-                       progress.For(options.futuresFile));
+  const TaifexTrades optionTrades = ReadTaifexTrades(options.optionsFile, CTaifexTable::Kind::kOptionTrades,
+                                                     options.session, date, progress.NextFile());
+  const TaifexTrades futureTrades = ReadTaifexTrades(options.futuresFile, CTaifexTable::Kind::kFutureTrades,
+                                                     options.session, date, progress.NextFile());
   const std::set<TaifexSeries> tradedOptions = Traded(optionTrades);
   const std::set<TaifexSeries> tradedFutures = Traded(futureTrades);
 

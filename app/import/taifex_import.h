@@ -11,14 +11,14 @@ namespace iorder {
 
 /// What `iorder import taifex` is told.
 struct TaifexImportOptions {
-  std::filesystem::path optionsFile;  ///< trades of the index options, .csv or .csv.gz
+  std::filesystem::path optionsFile;  ///< trades of the index options, .csv, .csv.gz or .csv.zst
   std::filesystem::path futuresFile;  ///< trades of the index futures
   std::filesystem::path seriesFile;   ///< the exchange's list of option series; empty: the series that traded
   TaifexSession session = TaifexSession::kDay;
   std::filesystem::path day;  ///< NAME.day.jsonl; its ticks go to NAME.ticks.csv beside it
   std::string brokerId = "B1";
   std::string account = "A1";
-  /// Called now and then with the bytes read so far and the bytes to read; may be missing.
+  /// Called now and then with the bytes read so far and the bytes to read (0: not known); may be missing.
   std::function<void(uint64_t, uint64_t)> progress;
 };
 

@@ -6,6 +6,7 @@
 #include <charconv>
 
 #include "app/import/csv_fields.h"
+#include "app/import/import_error.h"
 
 namespace iorder {
 namespace {
@@ -49,13 +50,14 @@ bool IsRowOfDashes(std::string_view line) {
 
 }  // namespace
 
-CTaifexTable::CTaifexTable(const std::filesystem::path& path, Kind kind) : m_source(path), m_kind(kind) {
+CTaifexTable::CTaifexTable(const std::filesystem::path& path, Kind kind)
+    : m_lines(path.string()), m_kind(kind) {
   ReadHeader();
 }
 
 void CTaifexTable::ReadHeader() {
   std::string_view line;
-  m_source.Next(line);
+  if (!m_lines.Next(line)) Fail("is empty", "a line with column names");
   SplitFields(line, m_fields);
   m_columnCount = m_fields.size();
   m_original = m_kind != Kind::kOptionSeries && std::ranges::find(m_fields, kDate.original) != m_fields.end();
@@ -63,9 +65,9 @@ void CTaifexTable::ReadHeader() {
   for (const ColumnName& name : names) {
     const auto found = std::ranges::find(m_fields, m_original ? name.original : name.english);
     if (found == m_fields.end()) {
-      m_source.Fail(fmt::format("has no column '{}'", name.english),
-                    fmt::format("the columns {}{}", EnglishNames(names),
-                                m_kind == Kind::kOptionSeries ? "" : ", or the exchange's own in Big5"));
+      Fail(fmt::format("has no column '{}'", name.english),
+           fmt::format("the columns {}{}", EnglishNames(names),
+                       m_kind == Kind::kOptionSeries ? "" : ", or the exchange's own in Big5"));
     }
     m_place[static_cast<size_t>(name.column)] = static_cast<size_t>(found - m_fields.begin());
   }
@@ -74,12 +76,12 @@ void CTaifexTable::ReadHeader() {
 bool CTaifexTable::Next() {
   std::string_view line;
   do {
-    if (!m_source.Next(line)) return false;
+    if (!m_lines.Next(line)) return false;
   } while (line.empty() || (m_original && IsRowOfDashes(line)));
   SplitFields(line, m_fields);
   if (m_fields.size() != m_columnCount) {
-    m_source.Fail(fmt::format("has {} fields", m_fields.size()),
-                  fmt::format("{}, as the column names", m_columnCount));
+    Fail(fmt::format("has {} fields", m_fields.size()),
+         fmt::format("{}, as the column names", m_columnCount));
   }
   return true;
 }
@@ -149,7 +151,12 @@ ScaledValue CTaifexTable::Decimal(TaifexColumn column) const {
 void CTaifexTable::FailAt(TaifexColumn column, const std::string& expected) const {
   const std::vector<ColumnName>& names = NamesOf(m_kind);
   const auto name = std::ranges::find(names, column, &ColumnName::column);
-  m_source.Fail(fmt::format("{} is '{}'", name->english, Text(column)), expected);
+  Fail(fmt::format("{} is '{}'", name->english, Text(column)), expected);
+}
+
+void CTaifexTable::Fail(const std::string& what, const std::string& expected) const {
+  const FilePlace place = m_lines.Place();
+  throw CImportError(place.file, place.line, what, expected);
 }
 
 }  // namespace iorder

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "app/import/line_source.h"
 #include "app/import/taifex_series.h"
 #include "app/import/taifex_session.h"
+#include "terminal/input_file.h"
 
 namespace iorder {
 
@@ -30,7 +30,12 @@ class CTaifexTable {
 
   /// The exchange's own form: its rows stand by series, and in order of time only within each.
   bool IsOriginalForm() const { return m_original; }
-  const CLineSource& Source() const { return m_source; }
+  /// Of the current row, from 1.
+  size_t LineNumber() const { return m_lines.Place().line; }
+  /// Bytes read so far, after unpacking.
+  uint64_t BytesRead() const { return m_lines.BytesRead(); }
+  /// Raises CImportError at the current row.
+  [[noreturn]] void Fail(const std::string& what, const std::string& expected) const;
 
   std::string_view Text(TaifexColumn column) const;
   LocalTime Time() const;
@@ -45,7 +50,7 @@ class CTaifexTable {
   ScaledValue Decimal(TaifexColumn column) const;
   [[noreturn]] void FailAt(TaifexColumn column, const std::string& expected) const;
 
-  CLineSource m_source;
+  CLineReader m_lines;
   Kind m_kind;
   bool m_original = false;
   std::vector<std::string_view> m_fields;

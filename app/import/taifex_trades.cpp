@@ -23,10 +23,11 @@ class CReader {
 
   TaifexTrades Read(const BytesRead& progress) {
     for (size_t row = 0; m_table.Next(); ++row) {
-      if (progress && row % kRowsBetweenProgress == 0) progress(m_table.Source().BytesRead());
+      if (progress && row % kRowsBetweenProgress == 0) progress(m_table.BytesRead());
       const std::optional<TaifexSeries> series = m_table.Series();
       if (series) ReadTrade(*series);
     }
+    if (progress) progress(m_table.BytesRead());
     // The exchange's own form stands by series.
     if (m_table.IsOriginalForm()) std::ranges::stable_sort(m_trades.rows, {}, &TaifexTrade::time);
     return std::move(m_trades);
@@ -38,8 +39,8 @@ class CReader {
     const uint32_t index = IndexOf(series);
     CheckOrder(time, index);
     if (!IsWanted(time)) return;
-    m_trades.rows.push_back({time, m_table.Price(), m_table.Quantity(), index,
-                             static_cast<uint32_t>(m_table.Source().LineNumber())});
+    m_trades.rows.push_back(
+        {time, m_table.Price(), m_table.Quantity(), index, static_cast<uint32_t>(m_table.LineNumber())});
   }
 
   uint32_t IndexOf(const TaifexSeries& series) {
@@ -54,7 +55,7 @@ class CReader {
   void CheckOrder(LocalTime time, uint32_t series) {
     LocalTime& last = m_table.IsOriginalForm() ? m_lastTimes[series] : m_lastTime;
     if (time < last) {
-      m_table.Source().Fail("goes back in time to " + TimeText(time), "no time before " + TimeText(last));
+      m_table.Fail("goes back in time to " + TimeText(time), "no time before " + TimeText(last));
     }
     last = time;
   }
@@ -63,14 +64,14 @@ class CReader {
   bool IsWanted(LocalTime time) {
     const std::optional<TaifexSessionDate> found = TaifexSessionDate::Of(time);
     if (!found) {
-      m_table.Source().Fail("is a trade between the sessions, at " + TimeText(time),
-                            "a time from 084500 to 134500 or from 150000 to 050000");
+      m_table.Fail("is a trade between the sessions, at " + TimeText(time),
+                   "a time from 084500 to 134500 or from 150000 to 050000");
     }
     if (found->session != m_session) return false;
     if (!m_date) m_date = found;
     if (*found != *m_date) {
-      m_table.Source().Fail("is a trade of another session, at " + TimeText(time),
-                            "trades of one session, from " + TimeText(m_date->Opens()));
+      m_table.Fail("is a trade of another session, at " + TimeText(time),
+                   "trades of one session, from " + TimeText(m_date->Opens()));
     }
     return true;
   }
