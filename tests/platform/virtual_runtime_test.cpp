@@ -68,6 +68,12 @@ TEST(VirtualRuntime, TheSameSeedGivesTheSameSequence) {
   }
 }
 
+TEST(VirtualRuntime, ASeedMeansTheSameOnEveryCompiler) {
+  // Any change of these texts changes what a seed means.
+  EXPECT_EQ(SequenceOf(0), "abcdeABCDE!aA!bB!cC!dD!eE!aA!bB!cC!dD!eE!aA!bB!cC!dD!eE!aA!bB!cC!dD!eE!!!!!");
+  EXPECT_EQ(SequenceOf(1), "dbaDBAeEcC!d!aDA!b!cBC!eE!aA!cC!b!e!dBED!d!a!cDAC!b!eBE!cC!e!a!dEADbB!!!!!");
+}
+
 TEST(VirtualRuntime, SeedsTryOtherSequences) {
   std::set<std::string> sequences;
   for (uint64_t seed = 0; seed < 10; ++seed) sequences.insert(SequenceOf(seed));
