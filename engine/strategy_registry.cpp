@@ -115,6 +115,7 @@ void CStrategyRegistry::DeleteAll() {
   }
   // One by one, in their order: each unsubscribes for itself.
   for (StrategyPtr& strategy : ending) strategy.reset();
+  ending.clear();
   {
     CLockGuard guard(m_csRetired);
     ending.swap(m_arRetired);
