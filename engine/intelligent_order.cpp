@@ -45,8 +45,8 @@ CIntelligentOrder::CIntelligentOrder(World& world)
       m_quoteQueue(world.runtime),
       m_accounts(world.runtime),
       m_limits(world.runtime),
-      m_timer(std::make_unique<CTimer>(
-          world.runtime, [this](const std::wstring& text) { m_events.ReportFault(kNoThreadFault, text); })) {}
+      m_timer(world.runtime,
+              [this](const std::wstring& text) { m_events.ReportFault(kNoThreadFault, text); }) {}
 
 CIntelligentOrder::~CIntelligentOrder() {
   CutOffShield shield(m_world.runtime);
@@ -61,7 +61,7 @@ CIntelligentOrder::~CIntelligentOrder() {
     m_world.runtime.Wait(*thread, std::nullopt);
     while (const auto message = thread->TakeMessage()) TakeText(*message);
   }
-  m_timer.reset();
+  m_timer.EndAll();
   m_strategies.DeleteAll();
   m_pSystemTime.Close();
   m_pAccounts.Close();

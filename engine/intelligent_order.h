@@ -181,7 +181,7 @@ class CIntelligentOrder final : public CBaseDataEventReceiver,
   CQuoteQueue m_quoteQueue;
   CConnectedAccounts m_accounts;
   CPnLSettings m_limits;
-  std::unique_ptr<CTimer> m_timer;
+  CTimer m_timer;
 };
 
 }  // namespace iorder

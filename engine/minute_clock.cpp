@@ -23,18 +23,17 @@ void CIntelligentOrder::ArmMinuteClock() {
 }
 
 void CIntelligentOrder::KillMinuteClock() {
-  m_timer->KillTimer(kTimer1MinPrev);
-  m_timer->KillTimer(kTimer1Min);
+  m_timer.KillTimer(kTimer1MinPrev);
+  m_timer.KillTimer(kTimer1Min);
 }
 
 void CIntelligentOrder::ArmTimer(int32_t id, int64_t intervalMs) {
-  m_timer->SetTimer(id, static_cast<int32_t>(intervalMs),
-                    [this](int32_t timerId) { OnEngineTimer(timerId); });
+  m_timer.SetTimer(id, static_cast<int32_t>(intervalMs), [this](int32_t timerId) { OnEngineTimer(timerId); });
 }
 
 void CIntelligentOrder::OnEngineTimer(int32_t id) {
   Guarded([this, id] {
-    if (id != kTimer1Min) m_timer->KillTimer(id);  // all others are one shots
+    if (id != kTimer1Min) m_timer.KillTimer(id);  // all others are one shots
     switch (id) {
       case kTimer1MinPrev:
         AlignToMinute();

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <utility>
-#include <vector>
 
 namespace iorder {
 
@@ -30,20 +29,28 @@ CTimer::CTimer(IRuntime& runtime, std::function<void(const std::wstring& text)> 
       m_cs(runtime, "timer lock") {}
 
 CTimer::~CTimer() {
+  EndAll();
+}
+
+void CTimer::EndAll() {
   CutOffShield shield(m_runtime);
-  std::vector<EntryPtr> left;
-  {
-    CLockGuard guard(m_cs);
-    for (auto& [key, entry] : m_mapActive) left.push_back(entry);
-    for (auto& [key, entry] : m_mapEnding) left.push_back(entry);
-    m_mapActive.clear();
-    m_mapEnding.clear();
+  // One by one, as a callback that is still running may set another timer until its own thread is gone.
+  while (const std::shared_ptr<IThread> thread = TakeThread()) {
+    thread->Terminate();
+    m_runtime.Wait(*thread, std::nullopt);
   }
-  for (const EntryPtr& entry : left) {
-    if (entry->hThread == nullptr) continue;
-    entry->hThread->Terminate();
-    m_runtime.Wait(*entry->hThread, std::nullopt);
+}
+
+std::shared_ptr<IThread> CTimer::TakeThread() {
+  CLockGuard guard(m_cs);
+  m_isEnded = true;
+  for (auto& [key, entry] : m_mapActive) {
+    if (entry->hThread != nullptr) return std::exchange(entry->hThread, nullptr);
   }
+  for (auto& [key, entry] : m_mapEnding) {
+    if (entry->hThread != nullptr) return std::exchange(entry->hThread, nullptr);
+  }
+  return nullptr;
 }
 
 std::wstring CTimer::KeyOf(int32_t id) const {
@@ -54,6 +61,7 @@ int32_t CTimer::SetTimer(int32_t id, int32_t intervalMs, Callback callback) {
   const EntryPtr entry = std::make_shared<Entry>();
   {
     CLockGuard guard(m_cs);
+    if (m_isEnded) return 0;
     const auto [place, isNew] = m_mapActive.try_emplace(KeyOf(id), entry);
     if (!isNew) return 0;
     entry->lId = id;

@@ -23,10 +23,16 @@ class CTimer {
 
   /// `onThreadFailure` is shown the text when no thread can be had for a timer.
   CTimer(IRuntime& runtime, std::function<void(const std::wstring& text)> onThreadFailure);
-  /// Ends the threads that are left by force.
+  /// Ends all, if that wasn't done before.
   ~CTimer();
+  CTimer(const CTimer&) = delete;
+  CTimer& operator=(const CTimer&) = delete;
 
-  /// 0 if the id runs already: it is left as it is. Else 1, also when no thread could be had.
+  /// Ends the threads that are left by force and returns when they are gone; from then on no timer is set.
+  void EndAll();
+
+  /// 0 if the id runs already: it is left as it is. Else 1, also when no thread could be had. 0 after
+  /// EndAll.
   int32_t SetTimer(int32_t id, int32_t intervalMs, Callback callback);
   /// Counts the whole new interval from now. 0 if the id doesn't run or can't be cancelled.
   int32_t ChangeTimer(int32_t id, int32_t intervalMs);
@@ -46,6 +52,8 @@ class CTimer {
 
   std::wstring KeyOf(int32_t id) const;
   std::shared_ptr<IThread> CreateThread(const EntryPtr& entry);
+  /// Takes a thread out of the tables, none if there is none left.
+  std::shared_ptr<IThread> TakeThread();
   void RunTimer(const EntryPtr& entry);
   void Forget(const EntryPtr& entry);
 
@@ -53,6 +61,7 @@ class CTimer {
   const uint32_t m_objectNumber;
   std::function<void(const std::wstring& text)> m_onThreadFailure;
   CCriticalSection m_cs;
+  bool m_isEnded IORDER_GUARDED_BY(m_cs) = false;
   std::map<std::wstring, EntryPtr> m_mapActive IORDER_GUARDED_BY(m_cs);
   /// Told to stop, but still there. A key may have several of them.
   std::multimap<std::wstring, EntryPtr> m_mapEnding IORDER_GUARDED_BY(m_cs);
