@@ -19,6 +19,37 @@ bool ReadAll(const std::string& text, T& number) {
 
 }  // namespace
 
+void AddRunOptions(CLI::App& command, RunArguments& arguments) {
+  command
+      .add_option("--clock", arguments.clock,
+                  "virtual: as fast as it goes; native: real threads and a real clock")
+      ->check(EitherWord("virtual", "native"))
+      ->capture_default_str();
+  command.add_option("--speed", arguments.speed, "Seconds of the day in a second of the native clock")
+      ->check(Number(0, 1000))
+      ->capture_default_str();
+}
+
+RunOptions OptionsOf(const RunArguments& arguments) {
+  RunOptions options;
+  options.native = arguments.clock == "native";
+  options.speed = arguments.speed;
+  if (!options.native && arguments.speed != 1) {
+    throw InputError("--speed: the virtual clock has no speed, expected --clock native beside it");
+  }
+  if (arguments.seed.empty()) return options;
+  if (options.native)
+    throw InputError("--seed: real threads can't be drawn, expected --clock virtual beside it");
+  options.seed = std::stoull(arguments.seed);
+  return options;
+}
+
+std::optional<int64_t> ReadWholeNumber(const std::string& text) {
+  int64_t number = 0;
+  if (!ReadAll(text, number)) return std::nullopt;
+  return number;
+}
+
 CLI::Validator WholeNumber(int64_t lowest, int64_t highest) {
   return CLI::Validator(
       [lowest, highest](std::string& text) -> std::string {

@@ -3,8 +3,11 @@
 #include <CLI/CLI.hpp>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
+
+#include "app/run_day.h"
 
 namespace iorder {
 
@@ -21,6 +24,23 @@ using Job = std::function<int()>;
 /// Each adds one command to the program. When the command is the one given, `job` becomes what it does.
 void AddImportCommand(CLI::App& program, Job& job);
 void AddMakeDayCommand(CLI::App& program, Job& job);
+void AddReplayCommand(CLI::App& program, Job& job);
+void AddVerifyCommand(CLI::App& program, Job& job);
+
+/// What the command line says of the clock of a run.
+struct RunArguments {
+  std::string clock = "virtual";
+  double speed = 1;
+  std::string seed;  ///< empty: the day's own
+};
+
+/// Adds --clock and --speed.
+void AddRunOptions(CLI::App& command, RunArguments& arguments);
+/// Raises InputError for what doesn't go together.
+RunOptions OptionsOf(const RunArguments& arguments);
+
+/// All of `text` as a whole number; none for any other text.
+std::optional<int64_t> ReadWholeNumber(const std::string& text);
 
 /// Validators whose message says what was expected.
 CLI::Validator WholeNumber(int64_t lowest, int64_t highest);

@@ -72,11 +72,10 @@ std::string CDayTotals::Table() const {
   return table + fmt::format("{} orders, {} cancels, {} faults\n", m_orders, m_cancels, m_faults);
 }
 
-std::string CDayTotals::Json(std::string_view at, const std::vector<std::string>& errors) const {
+std::string CDayTotals::Json(const std::vector<std::string>& errors) const {
   rapidjson::StringBuffer buffer;
   CJsonWriter writer(buffer);
   writer.StartObject();
-  WriteText(writer, "at", at);
   WriteText(writer, "kind", "end");
   writer.Key("strategies");
   writer.StartArray();

@@ -31,7 +31,7 @@ class CDayTotals {
   /// The closing table, with an end of line behind each line.
   std::string Table() const;
   /// The closing object of the JSON form, with the errors of the run.
-  std::string Json(std::string_view at, const std::vector<std::string>& errors) const;
+  std::string Json(const std::vector<std::string>& errors) const;
 
  private:
   std::map<std::string, Strategy> m_strategies;

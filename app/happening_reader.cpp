@@ -130,23 +130,21 @@ void CHappeningReader::OnLog(std::string_view text) {
     OnStrategyLog(std::string(owner.substr(0, owner.rfind('.'))), text.substr(end + 2));
   } else if (text.starts_with("[OpenLottery] Start. ")) {
     const std::string strategy(Between(text, "strStrategyKey=", ", idx=").value_or(""));
-    if (m_strategies.try_emplace(strategy).second) m_tell(StrategyStarted{strategy});
+    if (m_states.try_emplace(strategy, -1).second) m_tell(StrategyStarted{strategy});
   } else if (const auto gone = Between(text, "DelStrategy. StrategyKey=", "\n")) {
     // The line ends with a full stop of its own.
     const std::string strategy(gone->substr(0, gone->rfind('.')));
-    if (m_strategies.erase(strategy) != 0) m_tell(StrategyGone{strategy});
+    if (m_states.erase(strategy) != 0) m_tell(StrategyGone{strategy});
   } else if (text.starts_with("JSON Parse Fail! ")) {
     m_tell(CommandRefused{std::string(Between(text, "JSON Parse Fail! ", ", strOrderInfo=").value_or(""))});
   }
 }
 
 void CHappeningReader::OnStrategyLog(const std::string& strategy, std::string_view text) {
-  if (text.starts_with("AfterParseOrderInfo. StartRun=")) {
-    m_strategies[strategy].startsAtOnce = text.starts_with("AfterParseOrderInfo. StartRun=RUN");
-  } else if (text.starts_with("Reset. ")) {
+  if (text.starts_with("Reset. ")) {
     ChangeState(strategy, 0);
   } else if (text.starts_with("TimeStamp=")) {
-    ChangeState(strategy, std::exchange(m_strategies[strategy].startsAtOnce, false) ? 2 : 1);
+    ChangeState(strategy, 1);
   } else if (text == "Start. m_lStatus=1.") {
     ChangeState(strategy, 2);
   } else if (text == "Wait Reset.") {
@@ -163,9 +161,9 @@ void CHappeningReader::OnStrategyLog(const std::string& strategy, std::string_vi
 }
 
 void CHappeningReader::ChangeState(const std::string& strategy, int64_t state) {
-  Strategy& known = m_strategies[strategy];
-  if (known.state == state) return;
-  known.state = state;
+  const auto [known, isNew] = m_states.try_emplace(strategy, state);
+  if (!isNew && known->second == state) return;
+  known->second = state;
   m_tell(StateChanged{strategy, state});
 }
 

@@ -26,11 +26,7 @@ class CHappeningReader {
   void ChangeState(const std::string& strategy, int64_t state);
 
   std::function<void(const Happening&)> m_tell;
-  struct Strategy {
-    int64_t state = -1;
-    bool startsAtOnce = false;  ///< its next Reset ends in a run
-  };
-  std::map<std::string, Strategy> m_strategies;
+  std::map<std::string, int64_t> m_states;  ///< by key of the strategy
 };
 
 }  // namespace iorder

@@ -182,7 +182,7 @@ std::string StateWords(int64_t state) {
     case 0:
       return "building the chain";
     case 1:
-      return "ready, waits for its start time";
+      return "ready to start";
     case 2:
       return "running, no orders out";
     case 3:

@@ -47,6 +47,8 @@ int RunProgram(int argc, char** argv) {
       "iorder COMMAND --help tells the options of a command, with examples.");
   Job job;
   AddImportCommand(program, job);
+  AddReplayCommand(program, job);
+  AddVerifyCommand(program, job);
   AddMakeDayCommand(program, job);
 
   if (const std::optional<int> exitCode = ReadCommandLine(program, argc, argv)) return *exitCode;

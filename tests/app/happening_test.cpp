@@ -101,20 +101,13 @@ TEST_F(HappeningTest, StatesAreReadFromTheLog) {
   Log("DelStrategy. StrategyKey=OpenLottery_S1_1.");
   EXPECT_THAT(words, ElementsAre("strategy      OpenLottery_S1_1 is there",
                                  "state         OpenLottery_S1_1: building the chain",
-                                 "state         OpenLottery_S1_1: ready, waits for its start time",
+                                 "state         OpenLottery_S1_1: ready to start",
                                  "state         OpenLottery_S1_1: running, no orders out",
                                  "batch         OpenLottery_S1_1: the orders cost 3400",
                                  "state         OpenLottery_S1_1: orders are out",
                                  "state         OpenLottery_S1_1: not running",
                                  "state         OpenLottery_S1_1: stopped by command",
                                  "strategy      OpenLottery_S1_1 is gone"));
-}
-
-TEST_F(HappeningTest, AnImmediateStartRunsWhenItsChainIsThere) {
-  StrategyLog("AfterParseOrderInfo. StartRun=RUN, hhmm=1000.");
-  StrategyLog("Reset. strRoot={}.");
-  StrategyLog("TimeStamp=0.");
-  EXPECT_EQ(totals.Strategies().at("OpenLottery_S1_1").state, 2);
 }
 
 TEST_F(HappeningTest, ACommandThatIsNoJsonIsTold) {
@@ -142,8 +135,8 @@ TEST_F(HappeningTest, TheTableClosesTheDay) {
             "OpenLottery_S1_1  orders are out         0       1       3          1875\n"
             "1 orders, 0 cancels, 1 faults\n");
   EXPECT_EQ(
-      totals.Json("T", {"deadlock"}),
-      R"({"at":"T","kind":"end","strategies":[{"strategy":"OpenLottery_S1_1","state":4,"words":"orders are out",)"
+      totals.Json({"deadlock"}),
+      R"({"kind":"end","strategies":[{"strategy":"OpenLottery_S1_1","state":4,"words":"orders are out",)"
       R"("accepted":0,"orders":1,"lots":3,"cash":1875}],"orders":1,"cancels":0,"faults":1,"errors":["deadlock"]})");
 }
 

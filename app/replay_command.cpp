@@ -1,0 +1,165 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <sstream>
+
+#include "app/command_line.h"
+#include "app/output_place.h"
+#include "app/replay_listener.h"
+#include "app/run_day.h"
+#include "app/time_text.h"
+#include "platform/console.h"
+#include "terminal/day_file.h"
+#include "terminal/input_error.h"
+#include "terminal/input_file.h"
+#include "terminal/trace_writer.h"
+
+namespace iorder {
+namespace {
+
+struct Arguments {
+  std::string day;
+  std::vector<std::string> commands;
+  std::string trace;
+  std::string log;
+  bool inputs = false;
+  bool json = false;
+  RunArguments run;
+};
+
+/// "HH:MM" or "HH:MM:SS" as the time since midnight.
+std::optional<Milliseconds> ReadTime(const std::string& text) {
+  const std::optional<Milliseconds> time = ParseTimeOfDay(text);
+  return time ? time : ParseTimeOfDay(text + ":00");
+}
+
+bool LooksLikeTime(const std::string& text) {
+  return !text.empty() && text.find(':') != std::string::npos &&
+         text.find_first_not_of("0123456789:.") == std::string::npos;
+}
+
+std::string ReadStream(std::istream& stream, const std::string& name) {
+  std::ostringstream text;
+  text << stream.rdbuf();
+  if (stream.bad()) throw InputError(name + ": can't be read");
+  return text.str();
+}
+
+std::string ReadCommandText(const std::string& file) {
+  if (file == "-") return ReadStream(std::cin, "standard input");
+  const std::unique_ptr<IInputFile> input = OpenInputFile(file);
+  std::string text;
+  char block[4096];
+  while (const size_t size = input->Read(block, sizeof block)) text.append(block, size);
+  return text;
+}
+
+/// Puts the command "FILE" or "FILE@TIME" into the day. The engine reads its text, whatever it is.
+void AddCommand(Day& day, const std::string& argument) {
+  std::string file = argument;
+  std::optional<LocalTime> at;
+  const size_t sign = argument.rfind('@');
+  if (sign != std::string::npos && LooksLikeTime(argument.substr(sign + 1))) {
+    const std::optional<Milliseconds> time = ReadTime(argument.substr(sign + 1));
+    if (!time) {
+      throw InputError(
+          fmt::format("--command: '{}', expected FILE@HH:MM or FILE@HH:MM:SS, up to 23:59:59", argument));
+    }
+    file.resize(sign);
+    at = DateOf(day.head.start) + *time;
+    // A day may go on past midnight.
+    if (*at < day.head.start) *at += std::chrono::days(1);
+    if (day.head.end && *at > *day.head.end) {
+      throw InputError(fmt::format("--command: '{}' lies outside the day, expected a time from {} to {}",
+                                   argument, TimeText(day.head.start).substr(11),
+                                   TimeText(*day.head.end).substr(11)));
+    }
+  }
+  InsertCommand(day, ReadCommandText(file), at);
+}
+
+/// The trace file of a run, in its place.
+struct TraceFile {
+  TraceFile(const std::string& path, bool inputs) : place(path), writer(place.Path(), inputs) {}
+
+  void Commit() {
+    try {
+      writer.Close();
+    } catch (const InputError& error) {
+      throw InputError(place.Named(error.what()));
+    }
+    place.Commit();
+  }
+
+  COutputPlace place;
+  CTraceWriter writer;
+};
+
+int Run(const Arguments& arguments) {
+  Day day = ReadDayFile(arguments.day);
+  for (const std::string& command : arguments.commands) AddCommand(day, command);
+
+  CProgress progress("events", 0);
+  CHappeningPrinter printer(arguments.json, progress);
+  CProgressListener watcher(day, progress);
+  std::optional<TraceFile> trace;
+  std::optional<CLogWriter> log;
+  std::vector<ITerminalListener*> listeners = {&printer};
+  if (IsErrorStreamTerminal()) listeners.push_back(&watcher);
+  if (!arguments.trace.empty()) listeners.push_back(&trace.emplace(arguments.trace, arguments.inputs).writer);
+  if (!arguments.log.empty()) listeners.push_back(&log.emplace(arguments.log));
+
+  const std::vector<std::string> errors = RunDay(day, OptionsOf(arguments.run), listeners);
+  progress.Clear();
+  if (trace) trace->Commit();
+  if (log) log->Commit();
+
+  if (arguments.json) {
+    std::cout << printer.Totals().Json(errors) << '\n';
+  } else {
+    std::cout << '\n' << printer.Totals().Table();
+  }
+  for (const std::string& error : errors) std::cerr << "iorder: " << arguments.day << ": " << error << '\n';
+  return errors.empty() ? kDone : kWrong;
+}
+
+}  // namespace
+
+void AddReplayCommand(CLI::App& program, Job& job) {
+  const auto arguments = std::make_shared<Arguments>();
+  CLI::App* const command =
+      program.add_subcommand("replay", "Run a day through the engine and print what it orders");
+  command->add_option("DAY", arguments->day, "The day file")->required();
+  command
+      ->add_option(
+          "--command", arguments->commands,
+          "An order command to give: FILE[@HH:MM[:SS]], local time; without a time at the start, once "
+          "the engine is open. - is the standard input. May be given several times")
+      ->type_name("FILE[@TIME]")
+      ->allow_extra_args(false);
+  command
+      ->add_option("--trace", arguments->trace,
+                   "Write a trace of all events, packed if it ends in .gz or .zst")
+      ->type_name("FILE");
+  command->add_flag("--inputs", arguments->inputs, "Let the trace show what the terminal did too");
+  command->add_option("--log", arguments->log, "Write the lines of the engine's log")->type_name("FILE");
+  command->add_flag("--json", arguments->json, "Print one JSON object a line, and a closing one");
+  AddRunOptions(*command, arguments->run);
+  command
+      ->add_option("--seed", arguments->run.seed,
+                   "Order of the threads in virtual time, in place of the day's seed")
+      ->check(WholeNumber(0, INT64_MAX));
+  command->footer(Examples(
+      "  iorder replay examples/days/five-strikes.day.jsonl\n"
+      "  iorder replay made-1.day.jsonl --command examples/commands/calls-in-a-band.json --trace "
+      "x.trace.jsonl\n"
+      "  iorder replay made-1.day.jsonl --command buy.json@08:40 --command stop.json@10:30:00 --json\n"
+      "  iorder replay made-1.day.jsonl --command - --clock native --speed 60 < buy.json"));
+  command->callback([&job, arguments] { job = [arguments] { return Run(*arguments); }; });
+}
+
+}  // namespace iorder

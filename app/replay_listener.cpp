@@ -1,0 +1,90 @@
+#include "app/replay_listener.h"
+
+#include <fmt/format.h>
+
+#include <iostream>
+#include <iterator>
+
+#include "app/happening_text.h"
+#include "platform/text.h"
+#include "terminal/input_error.h"
+#include "terminal/local_time.h"
+
+namespace iorder {
+namespace {
+
+/// Enough events between two looks at the clock of the machine.
+constexpr int64_t kEventsBetween = 1024;
+constexpr size_t kPiece = 1 << 16;
+
+std::string FaultCode(uint32_t code) {
+  return fmt::format("0x{:08X}", code);
+}
+
+}  // namespace
+
+CHappeningPrinter::CHappeningPrinter(bool json, CProgress& progress)
+    : m_json(json),
+      m_progress(progress),
+      m_reader([this](const Happening& happening) { Print(happening); }) {}
+
+void CHappeningPrinter::OnEvent(const TraceEvent& event) {
+  const bool isRead =
+      event.kind == TraceKind::kCommand || event.kind == TraceKind::kLog || event.kind == TraceKind::kFault;
+  if (!isRead) return;
+  m_time.clear();
+  AppendDateTime(event.local, m_time);
+  const std::string text = ToUtf8(event.text);
+  if (event.kind == TraceKind::kCommand) {
+    m_reader.OnCommand(ToUtf8(event.topic), text);
+  } else if (event.kind == TraceKind::kLog) {
+    m_reader.OnLog(text);
+  } else {
+    m_reader.OnFault(ToUtf8(event.thread), FaultCode(event.code), text);
+  }
+}
+
+void CHappeningPrinter::Print(const Happening& happening) {
+  m_totals.Add(happening);
+  m_progress.Clear();
+  if (m_json) {
+    std::cout << Json(m_time, happening) << '\n';
+  } else {
+    // The time of day is enough for a reader.
+    std::cout << m_time.substr(11) << "  " << Words(happening) << '\n';
+  }
+}
+
+CProgressListener::CProgressListener(const Day& day, CProgress& progress)
+    : m_start(day.head.start), m_end(day.head.end), m_progress(progress) {}
+
+void CProgressListener::OnEvent(const TraceEvent& event) {
+  if (++m_events % kEventsBetween != 0) return;
+  double share = 0;
+  if (m_end) {
+    const auto done = ToLocalTime(event.local) - m_start;
+    share = static_cast<double>(done.count()) / static_cast<double>((*m_end - m_start).count());
+  }
+  m_progress.Show(static_cast<double>(m_events), share);
+}
+
+void CLogWriter::OnEvent(const TraceEvent& event) {
+  if (event.kind != TraceKind::kLog || !m_error.empty()) return;
+  AppendDateTime(event.local, m_text);
+  m_text.append(" ").append(ToUtf8(event.text)).append("\n");
+  if (m_text.size() < kPiece) return;
+  try {
+    m_file.Write(m_text);
+  } catch (const InputError& error) {
+    m_error = error.what();
+  }
+  m_text.clear();
+}
+
+void CLogWriter::Commit() {
+  if (!m_error.empty()) throw InputError(m_error);
+  m_file.Write(m_text);
+  m_file.Commit();
+}
+
+}  // namespace iorder

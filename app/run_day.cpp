@@ -1,0 +1,50 @@
+#include "app/run_day.h"
+
+#include <memory>
+#include <stdexcept>
+
+#include "engine/intelligent_order.h"
+#include "platform/native/native_runtime.h"
+#include "platform/virtual/virtual_runtime.h"
+#include "terminal/embedded_terminal.h"
+#include "terminal/input_error.h"
+
+namespace iorder {
+namespace {
+
+std::unique_ptr<IWorldRuntime> MakeRuntime(const DayHead& head, const RunOptions& options) {
+  const DateTime start = ToDateTime(head.start);
+  if (options.native) {
+    return std::make_unique<CNativeRuntime>(
+        NativeRuntimeOptions{.zone = head.timezone, .start = start, .speed = options.speed});
+  }
+  return std::make_unique<CVirtualRuntime>(
+      VirtualRuntimeOptions{.zone = head.timezone, .start = start, .seed = options.seed.value_or(head.seed)});
+}
+
+std::unique_ptr<IWorldRuntime> MakeRuntime(const Day& day, const RunOptions& options) {
+  try {
+    return MakeRuntime(day.head, options);
+  } catch (const std::runtime_error& error) {
+    throw InputError(day.path + ": 'timezone' in day: " + error.what());
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> RunDay(const Day& day, const RunOptions& options,
+                                const std::vector<ITerminalListener*>& listeners) {
+  const std::unique_ptr<IWorldRuntime> runtime = MakeRuntime(day, options);
+  CEmbeddedTerminal terminal(*runtime, day);
+  for (ITerminalListener* const listener : listeners) terminal.AddListener(*listener);
+  std::vector<std::string> errors = runtime->Run([&terminal] {
+    // The engine's threads belong to the run, so it goes before the run is over.
+    CIntelligentOrder engine(terminal.GetWorld());
+    engine.Advise(&terminal.Events());
+    terminal.Play(engine);
+  });
+  if (terminal.Error()) throw InputError(*terminal.Error());
+  return errors;
+}
+
+}  // namespace iorder
