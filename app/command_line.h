@@ -22,6 +22,7 @@ enum ExitCode : int {
 using Job = std::function<int()>;
 
 /// Each adds one command to the program. When the command is the one given, `job` becomes what it does.
+void AddDemoCommand(CLI::App& program, Job& job);
 void AddImportCommand(CLI::App& program, Job& job);
 void AddMakeDayCommand(CLI::App& program, Job& job);
 void AddReplayCommand(CLI::App& program, Job& job);

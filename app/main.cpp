@@ -46,10 +46,11 @@ int RunProgram(int argc, char** argv) {
       "Exit codes: 0 done, 1 the thing asked about is wrong, 2 wrong usage or wrong input.\n"
       "iorder COMMAND --help tells the options of a command, with examples.");
   Job job;
-  AddImportCommand(program, job);
+  AddDemoCommand(program, job);
   AddReplayCommand(program, job);
   AddVerifyCommand(program, job);
   AddMakeDayCommand(program, job);
+  AddImportCommand(program, job);
 
   if (const std::optional<int> exitCode = ReadCommandLine(program, argc, argv)) return *exitCode;
   const int exitCode = job();

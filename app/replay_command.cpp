@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <iostream>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <sstream>
 
 #include "app/command_line.h"
+#include "app/day_totals.h"
+#include "app/happening_text.h"
 #include "app/output_place.h"
 #include "app/replay_listener.h"
 #include "app/run_day.h"
@@ -99,12 +100,34 @@ struct TraceFile {
   CTraceWriter writer;
 };
 
+void Print(bool json, const std::string& at, const Happening& happening) {
+  if (json) {
+    std::cout << Json(at, happening) << '\n';
+  } else {
+    // The time of day is enough for a reader.
+    std::cout << at.substr(11) << "  " << Words(happening) << '\n';
+  }
+}
+
+void PrintTotals(bool json, const CDayTotals& totals, const std::vector<std::string>& errors) {
+  if (json) {
+    std::cout << totals.Json(errors) << '\n';
+  } else {
+    std::cout << '\n' << totals.Table();
+  }
+}
+
 int Run(const Arguments& arguments) {
   Day day = ReadDayFile(arguments.day);
   for (const std::string& command : arguments.commands) AddCommand(day, command);
 
   CProgress progress("events", 0);
-  CHappeningPrinter printer(arguments.json, progress);
+  CDayTotals totals;
+  CHappeningListener printer([&](const std::string& at, const Happening& happening) {
+    totals.Add(happening);
+    progress.Clear();
+    Print(arguments.json, at, happening);
+  });
   CProgressListener watcher(day, progress);
   std::optional<TraceFile> trace;
   std::optional<CLogWriter> log;
@@ -118,11 +141,7 @@ int Run(const Arguments& arguments) {
   if (trace) trace->Commit();
   if (log) log->Commit();
 
-  if (arguments.json) {
-    std::cout << printer.Totals().Json(errors) << '\n';
-  } else {
-    std::cout << '\n' << printer.Totals().Table();
-  }
+  PrintTotals(arguments.json, totals, errors);
   for (const std::string& error : errors) std::cerr << "iorder: " << arguments.day << ": " << error << '\n';
   return errors.empty() ? kDone : kWrong;
 }

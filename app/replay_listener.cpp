@@ -2,10 +2,8 @@
 
 #include <fmt/format.h>
 
-#include <iostream>
-#include <iterator>
+#include <utility>
 
-#include "app/happening_text.h"
 #include "platform/text.h"
 #include "terminal/input_error.h"
 #include "terminal/local_time.h"
@@ -23,12 +21,10 @@ std::string FaultCode(uint32_t code) {
 
 }  // namespace
 
-CHappeningPrinter::CHappeningPrinter(bool json, CProgress& progress)
-    : m_json(json),
-      m_progress(progress),
-      m_reader([this](const Happening& happening) { Print(happening); }) {}
+CHappeningListener::CHappeningListener(Tell tell)
+    : m_reader([this, tell = std::move(tell)](const Happening& happening) { tell(m_time, happening); }) {}
 
-void CHappeningPrinter::OnEvent(const TraceEvent& event) {
+void CHappeningListener::OnEvent(const TraceEvent& event) {
   const bool isRead =
       event.kind == TraceKind::kCommand || event.kind == TraceKind::kLog || event.kind == TraceKind::kFault;
   if (!isRead) return;
@@ -41,17 +37,6 @@ void CHappeningPrinter::OnEvent(const TraceEvent& event) {
     m_reader.OnLog(text);
   } else {
     m_reader.OnFault(ToUtf8(event.thread), FaultCode(event.code), text);
-  }
-}
-
-void CHappeningPrinter::Print(const Happening& happening) {
-  m_totals.Add(happening);
-  m_progress.Clear();
-  if (m_json) {
-    std::cout << Json(m_time, happening) << '\n';
-  } else {
-    // The time of day is enough for a reader.
-    std::cout << m_time.substr(11) << "  " << Words(happening) << '\n';
   }
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
-#include "app/day_totals.h"
 #include "app/happening_reader.h"
 #include "app/output_file.h"
 #include "app/progress.h"
@@ -12,23 +12,17 @@
 
 namespace iorder {
 
-/// Prints what happens on a day as it happens, on the standard output, and adds it up.
-class CHappeningPrinter : public ITerminalListener {
+/// Reads the engine's events as happenings and hands each on, with its local time "YYYY-MM-DDTHH:MM:SS.mmm".
+class CHappeningListener : public ITerminalListener {
  public:
-  /// `json`: one JSON object a line in place of readable text. `progress` is taken away before each line.
-  CHappeningPrinter(bool json, CProgress& progress);
+  using Tell = std::function<void(const std::string& at, const Happening& happening)>;
+
+  explicit CHappeningListener(Tell tell);
 
   void OnEvent(const TraceEvent& event) override;
 
-  const CDayTotals& Totals() const { return m_totals; }
-
  private:
-  void Print(const Happening& happening);
-
-  const bool m_json;
-  CProgress& m_progress;
   std::string m_time;  ///< of the event that is being read
-  CDayTotals m_totals;
   CHappeningReader m_reader;
 };
 

@@ -32,6 +32,7 @@ class BadInput : public testing::Test {
     EXPECT_EQ(result.exitCode, 2) << arguments;
     EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
     EXPECT_EQ(m_folder.Files(), before);
+    EXPECT_THAT(m_folder.TemporaryFiles(), IsEmpty());
     EXPECT_THAT(result.errors, StartsWith("iorder: "));
     return result.errors.substr(std::min<size_t>(result.errors.size(), 8));
   }

@@ -19,6 +19,15 @@ std::string ReadFile(const std::filesystem::path& path) {
   return text.str();
 }
 
+std::vector<std::string> FilesBelow(const std::filesystem::path& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    names.push_back(entry.path().lexically_relative(folder).string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
 }  // namespace
 
 std::string CProgramFolder::Program() {
@@ -32,8 +41,9 @@ ProgramResult CProgramFolder::Run(const std::string& arguments) const {
 ProgramResult CProgramFolder::RunShell(const std::string& command) const {
   const std::string output = m_streams.Path() / "output";
   const std::string errors = m_streams.Path() / "errors";
-  const std::string line = "cd '" + m_folder.Path().string() + "' && { " + command + "; } >'" + output +
-                           "' 2>'" + errors + "' </dev/null";
+  const std::string line = "export TMPDIR='" + m_temporary.Path().string() + "'; cd '" +
+                           m_folder.Path().string() + "' && { " + command + "; } >'" + output + "' 2>'" +
+                           errors + "' </dev/null";
   const int status = std::system(line.c_str());
   if (!WIFEXITED(status)) throw std::runtime_error("didn't end by itself: " + command);
   return {WEXITSTATUS(status), ReadFile(output), ReadFile(errors)};
@@ -51,12 +61,11 @@ std::string CProgramFolder::Read(const std::string& name) const {
 }
 
 std::vector<std::string> CProgramFolder::Files() const {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(m_folder.Path())) {
-    names.push_back(entry.path().lexically_relative(m_folder.Path()).string());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
+  return FilesBelow(m_folder.Path());
+}
+
+std::vector<std::string> CProgramFolder::TemporaryFiles() const {
+  return FilesBelow(m_temporary.Path());
 }
 
 }  // namespace iorder

@@ -18,7 +18,10 @@ struct ProgramResult {
 /// An empty folder that the program is run in.
 class CProgramFolder {
  public:
-  CProgramFolder() : m_folder(CScratchPath::NewFolder()), m_streams(CScratchPath::NewFolder()) {}
+  CProgramFolder()
+      : m_folder(CScratchPath::NewFolder()),
+        m_streams(CScratchPath::NewFolder()),
+        m_temporary(CScratchPath::NewFolder()) {}
 
   /// Runs the program in the folder, with what stands behind its name in a shell.
   ProgramResult Run(const std::string& arguments) const;
@@ -32,10 +35,13 @@ class CProgramFolder {
   std::string Read(const std::string& name) const;
   /// The names of all files in the folder, in order.
   std::vector<std::string> Files() const;
+  /// The same of the folder that the program takes for temporary files.
+  std::vector<std::string> TemporaryFiles() const;
 
  private:
   CScratchPath m_folder;
   CScratchPath m_streams;
+  CScratchPath m_temporary;
 };
 
 }  // namespace iorder
