@@ -1,14 +1,23 @@
 #!/usr/bin/env python3
 """Shows scripts/check-floors one small tree after the other."""
 
+import contextlib
+import io
 import json
-import subprocess
-import sys
 import tempfile
+import types
 import unittest
 from pathlib import Path
 
-PROGRAM = Path(__file__).resolve().parents[2] / "scripts" / "check-floors"
+
+def load_program():
+    path = Path(__file__).resolve().parents[2] / "scripts" / "check-floors"
+    module = types.ModuleType("check_floors")
+    exec(compile(path.read_text(encoding="utf-8"), str(path), "exec"), module.__dict__)
+    return module
+
+
+program = load_program()
 
 
 class CheckFloorsTest(unittest.TestCase):
@@ -22,9 +31,10 @@ class CheckFloorsTest(unittest.TestCase):
             compiled = [name for name in files if name.endswith(".cpp")] if targets is None else targets
             commands = root / "compile_commands.json"
             commands.write_text(json.dumps([{"directory": folder, "file": name, "command": ""} for name in compiled]))
-            result = subprocess.run([sys.executable, PROGRAM, root, commands], capture_output=True, text=True, timeout=60)
-            self.assertEqual(result.stderr, "")
-            return result.returncode, result.stdout.splitlines()
+            output = io.StringIO()
+            with contextlib.redirect_stdout(output):
+                code = program.main([folder, str(commands)])
+            return code, output.getvalue().splitlines()
 
     def assert_clean(self, files, targets=None):
         self.assertEqual(self.run_on(files, targets), (0, []))
@@ -118,6 +128,11 @@ class CheckFloorsTest(unittest.TestCase):
         code, lines = self.run_on({"engine/a.cpp": "", "engine/b.cpp": "", "engine/c.h": ""}, targets=["engine/a.cpp"])
         self.assertEqual(code, 1)
         self.assertEqual(lines, ["engine/b.cpp:1: is in no target"])
+
+    def test_wrong_usage_is_told(self):
+        with contextlib.redirect_stderr(io.StringIO()) as told:
+            self.assertEqual(program.main([]), 2)
+        self.assertIn("check-floors ROOT COMPILE_COMMANDS", told.getvalue())
 
 
 if __name__ == "__main__":
