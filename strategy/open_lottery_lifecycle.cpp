@@ -151,7 +151,7 @@ void CStrategyOpenLottery::OnUpdate(CBaseData* source, int32_t, const std::wstri
     return;
   }
   if (status < lottery_state::kRunning) return;
-  if (const auto symbol = SymbolOf(source)) JudgeUpdate(*symbol, source);
+  if (const QuoteKey option = KeyOf(source)) JudgeUpdate(*option, *source);
 }
 
 void CStrategyOpenLottery::OnStrategyEvent(uint32_t number, uintptr_t) {

@@ -22,8 +22,13 @@ int32_t CStrategyOpenLottery::ScanQuote() {
     for (const std::wstring& symbol : symbols) {
       if (!symbol.starts_with(kOptionPrefix)) continue;
       FillUtcTime();
+      const CQuote quote = FindQuote(symbol);
+      if (quote.handle == nullptr) {
+        IsInTradingHours(nullptr, symbol);  // says so in the log
+        continue;
+      }
       ScaledValue openPrice = NoValue;
-      if (Judge(symbol, GetQuote(symbol).get(), openPrice) != Verdict::kNewPass) continue;
+      if (Judge(*quote.key, *quote.handle, openPrice) != Verdict::kNewPass) continue;
       m_mapScanHit.Add(symbol);
       PublishScanResult(symbol, openPrice, 1);
       accepted = 1;
@@ -34,45 +39,44 @@ int32_t CStrategyOpenLottery::ScanQuote() {
   return result;
 }
 
-CStrategyOpenLottery::Verdict CStrategyOpenLottery::Judge(const std::wstring& symbol, CBaseData* handle,
+CStrategyOpenLottery::Verdict CStrategyOpenLottery::Judge(const CQuoteKey& option, CBaseData& handle,
                                                           ScaledValue& openPrice) {
-  if (!IsInTradingHours(handle, symbol) || handle == nullptr) return Verdict::kUnjudged;
-  openPrice = handle->GetFieldById(quote_field::kOpen);
+  if (!IsInTradingHours(&handle, option.strSymbol)) return Verdict::kUnjudged;
+  openPrice = handle.GetFieldById(quote_field::kOpen);
   // An open of 0 stands only if something was traded.
-  const int64_t present = openPrice == 0 ? handle->GetFieldById(quote_field::kVolume) : openPrice;
+  const int64_t present = openPrice == 0 ? handle.GetFieldById(quote_field::kVolume) : openPrice;
   if (present == NoValue) return Verdict::kUnjudged;
-  LogOpenPrice(symbol, handle, openPrice);
+  LogOpenPrice(option, handle, openPrice);
 
   const InfoPtr info = Info();
   // NoValue is below every price: a missing lower bound accepts everything, a missing upper one rejects
   // everything.
   if (openPrice < ToScaled(info->m_dbOpenPriceDn) || openPrice > ToScaled(info->m_dbOpenPriceUp)) {
-    if (m_mapScanFailed.Add(symbol)) PublishScanResult(symbol, openPrice, 0);
+    if (m_mapScanFailed.Add(option)) PublishScanResult(option.strSymbol, openPrice, 0);
     return Verdict::kKnown;
   }
-  return m_mapScanPassed.Add(symbol) ? Verdict::kNewPass : Verdict::kKnownPass;
+  return m_mapScanPassed.Add(option) ? Verdict::kNewPass : Verdict::kKnownPass;
 }
 
-void CStrategyOpenLottery::JudgeUpdate(const std::wstring& symbol, CBaseData* handle) {
+void CStrategyOpenLottery::JudgeUpdate(const CQuoteKey& option, CBaseData& handle) {
   ScaledValue openPrice = NoValue;
   // A held symbol that had passed before goes to the profit monitor here, once positions are kept.
-  if (Judge(symbol, handle, openPrice) != Verdict::kNewPass) return;
-  m_mapScanHit.Add(symbol);
+  if (Judge(option, handle, openPrice) != Verdict::kNewPass) return;
+  m_mapScanHit.Add(option.strSymbol);
   {
     CLockGuard guard(m_csStatus);
     if (m_lStatus > lottery_state::kWaiting) PostEvent(lottery_event::kMakeRoom);
   }
-  PublishScanResult(symbol, openPrice, 1);
+  PublishScanResult(option.strSymbol, openPrice, 1);
 }
 
-void CStrategyOpenLottery::LogOpenPrice(const std::wstring& symbol, CBaseData* handle,
-                                        ScaledValue openPrice) {
-  if (!m_mapOpenLogged.Add(symbol)) return;
-  const auto field = [handle](int32_t id) { return handle->GetFieldById(id); };
+void CStrategyOpenLottery::LogOpenPrice(const CQuoteKey& option, CBaseData& handle, ScaledValue openPrice) {
+  if (!m_mapOpenLogged.Add(option)) return;
+  const auto field = [&handle](int32_t id) { return handle.GetFieldById(id); };
   WriteLog(fmt::sprintf(
-      L"LogOpenPrice. Symbol=%s, Date=%lld, Time=%lld, Open=%lld, Qty=%lld, Vol=%lld, Price=%lld.", symbol,
-      field(quote_field::kDate), field(quote_field::kTime), openPrice, field(quote_field::kQuantity),
-      field(quote_field::kVolume), field(quote_field::kPrice)));
+      L"LogOpenPrice. Symbol=%s, Date=%lld, Time=%lld, Open=%lld, Qty=%lld, Vol=%lld, Price=%lld.",
+      option.strSymbol, field(quote_field::kDate), field(quote_field::kTime), openPrice,
+      field(quote_field::kQuantity), field(quote_field::kVolume), field(quote_field::kPrice)));
 }
 
 }  // namespace iorder

@@ -96,10 +96,10 @@ bool CStrategy::HasQuote(const std::wstring& symbol) {
   return m_mapQuote.contains(symbol);
 }
 
-CStrategy::QuoteHandle CStrategy::GetQuote(const std::wstring& symbol) {
+CStrategy::CQuote CStrategy::FindQuote(const std::wstring& symbol) {
   CLockGuard guard(m_csQuote);
   const auto found = m_mapQuote.find(symbol);
-  return found == m_mapQuote.end() ? nullptr : found->second;
+  return found == m_mapQuote.end() ? CQuote() : found->second;
 }
 
 int64_t CStrategy::GetQuoteField(const std::wstring& symbol, int32_t id) {
@@ -112,10 +112,19 @@ bool CStrategy::IsQuoteValid(const std::wstring& symbol) {
   return handle != nullptr && handle->GetInt(L"MCODE", NoInt) > 0;
 }
 
-std::shared_ptr<const std::wstring> CStrategy::SymbolOf(CBaseData* handle) {
+CStrategy::QuoteKey CStrategy::KeyOf(CBaseData* handle) {
   CLockGuard guard(m_csReverse);
   const auto found = m_mapReverse.find(handle);
   return found == m_mapReverse.end() ? nullptr : found->second;
+}
+
+CStrategy::QuoteKey CStrategy::KeyFor(const std::wstring& symbol) {
+  const auto [entry, isNew] = m_mapKeys.try_emplace(symbol);
+  if (isNew) {
+    const auto number = static_cast<uint32_t>(m_mapKeys.size() - 1);
+    entry->second = std::make_shared<const CQuoteKey>(CQuoteKey{.strSymbol = symbol, .number = number});
+  }
+  return entry->second;
 }
 
 CStrategy::QuoteHandle CStrategy::SubscribeQuote(const std::wstring& symbol) {
@@ -124,10 +133,11 @@ CStrategy::QuoteHandle CStrategy::SubscribeQuote(const std::wstring& symbol) {
   CLockGuard guard(m_csQuote);
   const auto [entry, isNew] = m_mapQuote.try_emplace(symbol);
   if (!isNew) return nullptr;  // another thread was quicker
+  const QuoteKey key = KeyFor(symbol);
   const QuoteHandle handle = m_owner.OpenRecord(symbol, this);
-  entry->second = handle;
+  entry->second = {.key = key, .handle = handle};
   CLockGuard reverseGuard(m_csReverse);
-  m_mapReverse.insert_or_assign(handle.get(), std::make_shared<const std::wstring>(symbol));
+  m_mapReverse.insert_or_assign(handle.get(), key);
   return handle;
 }
 
@@ -137,7 +147,7 @@ void CStrategy::UnsubscribeQuote(const std::wstring& symbol) {
     CLockGuard guard(m_csQuote);
     const auto found = m_mapQuote.find(symbol);
     if (found == m_mapQuote.end()) return;
-    handle = std::move(found->second);
+    handle = std::move(found->second.handle);
     m_mapQuote.erase(found);
     CLockGuard reverseGuard(m_csReverse);
     m_mapReverse.erase(handle.get());
@@ -146,15 +156,15 @@ void CStrategy::UnsubscribeQuote(const std::wstring& symbol) {
 }
 
 void CStrategy::CloseAllQuotes() {
-  std::map<std::wstring, QuoteHandle> quotes;
+  std::map<std::wstring, CQuote> quotes;
   {
     CLockGuard guard(m_csQuote);
     quotes.swap(m_mapQuote);
     CLockGuard reverseGuard(m_csReverse);
     m_mapReverse.clear();
   }
-  for (auto& [symbol, handle] : quotes) handle.reset();
-  for (const auto& [symbol, handle] : quotes) m_owner.UnsubQuote(symbol);
+  for (auto& [symbol, quote] : quotes) quote.handle.reset();
+  for (const auto& [symbol, quote] : quotes) m_owner.UnsubQuote(symbol);
 }
 
 double CStrategy::GetContractWeight(const std::wstring& symbol) {

@@ -13,6 +13,7 @@
 #include "records/base_data.h"
 #include "reference/quote_data.h"
 #include "strategy/strategy_host.h"
+#include "strategy/symbol_set.h"
 
 namespace iorder {
 
@@ -92,6 +93,11 @@ class CStrategy : public CBaseDataEventReceiver {
   /// A handle of the quote table. Whoever holds it may read it, also after the symbol was unsubscribed.
   /// Inside OnUpdate the source itself is used instead: a handle must not die in its own event.
   using QuoteHandle = std::shared_ptr<CBaseData>;
+  using QuoteKey = std::shared_ptr<const CQuoteKey>;
+  struct CQuote {
+    QuoteKey key;
+    QuoteHandle handle;
+  };
 
   IStrategyHost& Owner() { return m_owner; }
   IRuntime& Runtime() { return m_owner.GetWorld().runtime; }
@@ -111,13 +117,15 @@ class CStrategy : public CBaseDataEventReceiver {
   QuoteHandle SubscribeQuote(const std::wstring& symbol);
   void UnsubscribeQuote(const std::wstring& symbol);
   void CloseAllQuotes();
-  QuoteHandle GetQuote(const std::wstring& symbol);
+  QuoteHandle GetQuote(const std::wstring& symbol) { return FindQuote(symbol).handle; }
+  /// The entry of the quote table; an empty one if the symbol isn't there.
+  CQuote FindQuote(const std::wstring& symbol);
   /// NoValue without a handle.
   int64_t GetQuoteField(const std::wstring& symbol, int32_t id);
   /// True if the quote's "MCODE" is above 0.
   bool IsQuoteValid(const std::wstring& symbol);
   /// The symbol of an open handle, or none.
-  std::shared_ptr<const std::wstring> SymbolOf(CBaseData* handle);
+  QuoteKey KeyOf(CBaseData* handle);
 
   /// The symbol's "Weight" as a whole number; 1.0 if it has none.
   double GetContractWeight(const std::wstring& symbol);
@@ -125,6 +133,7 @@ class CStrategy : public CBaseDataEventReceiver {
   int64_t LocalDateTime14() { return ToDateTime14(Runtime().LocalTime()); }
 
  private:
+  QuoteKey KeyFor(const std::wstring& symbol) IORDER_REQUIRES(m_csQuote);
   void SetIdentity(CStrategyIdentity identity);
 
   IStrategyHost& m_owner;
@@ -137,10 +146,10 @@ class CStrategy : public CBaseDataEventReceiver {
   rapidjson::Document m_orderInfo;
 
   CCriticalSection m_csQuote;
-  std::map<std::wstring, QuoteHandle> m_mapQuote IORDER_GUARDED_BY(m_csQuote);
+  std::map<std::wstring, CQuote> m_mapQuote IORDER_GUARDED_BY(m_csQuote);
+  std::map<std::wstring, QuoteKey> m_mapKeys IORDER_GUARDED_BY(m_csQuote);
   CCriticalSection m_csReverse;
-  std::unordered_map<CBaseData*, std::shared_ptr<const std::wstring>> m_mapReverse
-      IORDER_GUARDED_BY(m_csReverse);
+  std::unordered_map<CBaseData*, QuoteKey> m_mapReverse IORDER_GUARDED_BY(m_csReverse);
 };
 
 }  // namespace iorder

@@ -119,9 +119,9 @@ class CStrategyOpenLottery : public CStrategy {
   // Judging options.
   enum class Verdict { kUnjudged, kKnown, kNewPass, kKnownPass };
   int32_t ScanQuote();
-  Verdict Judge(const std::wstring& symbol, CBaseData* handle, ScaledValue& openPrice);
-  void JudgeUpdate(const std::wstring& symbol, CBaseData* handle);
-  void LogOpenPrice(const std::wstring& symbol, CBaseData* handle, ScaledValue openPrice);
+  Verdict Judge(const CQuoteKey& option, CBaseData& handle, ScaledValue& openPrice);
+  void JudgeUpdate(const CQuoteKey& option, CBaseData& handle);
+  void LogOpenPrice(const CQuoteKey& option, CBaseData& handle, ScaledValue openPrice);
 
   // Placing orders.
   struct CBatchSymbol {
@@ -195,7 +195,7 @@ class CStrategyOpenLottery : public CStrategy {
   CSymbolSet m_mapScanPassed;  ///< accepted in this run
   CSymbolSet m_mapScanFailed;  ///< rejected in this run
   CSymbolSet m_mapOpenLogged;  ///< logged with their opening price in this run
-  CSymbolSet m_mapOrdered;     ///< taken into a batch
+  CSymbolList m_mapOrdered;    ///< taken into a batch
 
   CCriticalSection m_csScanned;
   std::vector<std::wstring> m_arScannedSymbolCall IORDER_GUARDED_BY(m_csScanned);
