@@ -43,7 +43,7 @@ class CNodeBuilder {
   }
 
   bool Open(JsonNode::Kind kind) {
-    if (m_open.size() == kMaxJsonDepth) {
+    if (m_open.size() == kMaxLineDepth) {
       return false;
     }
     m_open.push_back(&Append(kind));
@@ -91,7 +91,7 @@ JsonNode ParseJson(std::string_view text, const FilePlace& place) {
   const rapidjson::ParseResult result = reader.Parse<kFlags>(stream, builder);
   if (result.IsError()) {
     const std::string why = result.Code() == rapidjson::kParseErrorTermination
-                                ? "nested deeper than " + std::to_string(kMaxJsonDepth) + " levels"
+                                ? "nested deeper than " + std::to_string(kMaxLineDepth) + " levels"
                                 : rapidjson::GetParseError_En(result.Code());
     FailAt(place, "not a JSON value: " + why + " (at character " + std::to_string(result.Offset() + 1) + ")");
   }

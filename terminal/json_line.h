@@ -23,7 +23,7 @@ struct JsonNode {
 };
 
 /// Deeper values are refused, so that nothing that walks them runs out of stack.
-inline constexpr size_t kMaxJsonDepth = 256;
+inline constexpr size_t kMaxLineDepth = 256;
 
 /// Reads one JSON value that fills `text`. A mistake is an InputError at `place`.
 JsonNode ParseJson(std::string_view text, const FilePlace& place);
