@@ -39,6 +39,9 @@ void CTimer::EndAll() {
     thread->Terminate();
     m_runtime.Wait(*thread, std::nullopt);
   }
+  CLockGuard guard(m_cs);
+  m_mapActive.clear();
+  m_mapEnding.clear();
 }
 
 std::shared_ptr<IThread> CTimer::TakeThread() {

@@ -1,0 +1,40 @@
+#include "records/number_text.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace iorder {
+namespace {
+
+TEST(NumberText, ReadsTheLeadingInteger) {
+  EXPECT_EQ(LeadingInt32(L"12"), 12);
+  EXPECT_EQ(LeadingInt32(L" \t-7x"), -7);
+  EXPECT_EQ(LeadingInt32(L"+5.9"), 5);
+  EXPECT_EQ(LeadingInt64(L"30000000000 lots"), 30000000000);
+}
+
+TEST(NumberText, GivesZeroWithoutANumber) {
+  for (const wchar_t* text : {L"", L"x12", L"-", L"+-5", L"- 5", L"１２"}) {
+    EXPECT_EQ(LeadingInt32(text), 0) << text;
+    EXPECT_EQ(LeadingInt64(text), 0) << text;
+  }
+}
+
+TEST(NumberText, StopsAtTheNearestValueThatFits) {
+  EXPECT_EQ(LeadingInt32(L"3000000000"), std::numeric_limits<int32_t>::max());
+  EXPECT_EQ(LeadingInt32(L"-3000000000"), std::numeric_limits<int32_t>::min());
+  EXPECT_EQ(LeadingInt64(L"9223372036854775808"), std::numeric_limits<int64_t>::max());
+  EXPECT_EQ(LeadingInt64(L"-9223372036854775809"), std::numeric_limits<int64_t>::min());
+}
+
+TEST(NumberText, ReadsTheLeadingDouble) {
+  EXPECT_EQ(LeadingDouble(L"0.5tick"), 0.5);
+  EXPECT_EQ(LeadingDouble(L" -1.5e2"), -150.0);
+  EXPECT_EQ(LeadingDouble(L"1e"), 1.0);
+  EXPECT_EQ(LeadingDouble(L"1,5"), 1.0);
+  EXPECT_EQ(LeadingDouble(L"price"), 0.0);
+}
+
+}  // namespace
+}  // namespace iorder
