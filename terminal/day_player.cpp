@@ -33,6 +33,7 @@ CDayPlayer::CDayPlayer(const Day& day, TerminalParts& parts)
 void CDayPlayer::Play(INordoManager& manager) {
   m_manager = &manager;
   m_parts.busThread.Start();
+  m_ticks.Create();
   std::exception_ptr error;
   try {
     PlayLines();
@@ -40,7 +41,7 @@ void CDayPlayer::Play(INordoManager& manager) {
   } catch (const InputError&) {
     error = std::current_exception();
   }
-  if (m_day.head.autoPhases) {
+  if (m_day.head.autoPhases && m_isStarted) {
     SetPhase(kStop);
   }
   if (error) {
@@ -53,6 +54,7 @@ void CDayPlayer::PlayLines() {
     PlayLine(m_day.lines[i]);
   }
   if (m_day.head.autoPhases) {
+    m_isStarted = true;
     SetPhase(kStart);
     SetPhase(kOpen);
   }

@@ -56,6 +56,7 @@ class CDayPlayer {
   CLocalClock m_clock;
   CTickPlayer m_ticks;
   INordoManager* m_manager = nullptr;
+  bool m_isStarted = false;        ///< automatic phases have begun
   bool m_isOpen = false;           ///< phase 2 has been called
   bool m_accountsWaiting = false;  ///< to be announced after phase 2
   std::atomic<size_t> m_linesPlayed = 0;

@@ -142,6 +142,7 @@ void COrderService::Child(const ChildAction& child, const Announce& announce) {
   int32_t& handle = m_childHandles[levelKey];
   const bool isFirst = handle == 0;
   RecordChange change;
+  change.name = levelKey;
   if (isFirst) {
     change.fields = {{L"Strategy", TextValue(OrderField(order.fields, L"STRATEGY"))},
                      {L"LevelKey", TextValue(levelKey)}};

@@ -123,7 +123,9 @@ void CRecord::NoteField(std::wstring_view name) {
   if (name == kMcode) {
     m_hasMcode = m_fields.contains(kMcode);
   } else if (name == kTimeFormat) {
-    m_timeFormat = Int32Or(Field(kTimeFormat), 0);
+    const Value format = Field(kTimeFormat);
+    const int64_t* const int64 = std::get_if<int64_t>(&format);
+    m_timeFormat = int64 != nullptr ? static_cast<int32_t>(*int64) : Int32Or(format, 0);
   }
 }
 

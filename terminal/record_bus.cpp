@@ -507,7 +507,7 @@ void CEmbeddedBus::RemoveNode(const std::wstring& name, const std::wstring& node
 
 int32_t CEmbeddedBus::ApplyUnnamed(int32_t handle, const RecordChange& change) {
   CLockGuard guard(m_section);
-  CBusObject& object = handle != 0 ? ObjectOf(handle) : NewObject(std::wstring(), std::wstring(), false);
+  CBusObject& object = handle != 0 ? ObjectOf(handle) : NewObject(change.name, change.name, false);
   ApplyLocked(object, change);
   return object.m_handle;
 }

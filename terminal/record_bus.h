@@ -82,7 +82,8 @@ class CEmbeddedBus : public IRecordBus {
   void ReplaceItems(const std::wstring& name, const std::wstring& node,
                     const std::vector<RecordChange>& items);
   void RemoveNode(const std::wstring& name, const std::wstring& node);
-  /// Makes a record without a name, or changes it; a handle of 0 makes one. Its handle.
+  /// Makes a record that no name opens, or changes it; a handle of 0 makes one. Its handle. The name of
+  /// `change` shows in traces alone.
   int32_t ApplyUnnamed(int32_t handle, const RecordChange& change);
 
   /// Whether the record holds any data, shown or not.

@@ -67,7 +67,14 @@ bool CTextPattern::FitsRun(size_t token, std::string_view text, PatternNames& na
                            const PatternRest& rest) const {
   const Token& head = m_tokens[token];
   const bool isLast = token + 1 == m_tokens.size();
+  const bool isBeforeLiteral = !isLast && m_tokens[token + 1].kind == Kind::kLiteral;
+  const std::string_view next =
+      isBeforeLiteral ? std::string_view(m_tokens[token + 1].text) : std::string_view();
   for (size_t length = isLast ? text.size() : 0; length <= text.size(); ++length) {
+    length = text.find(next, length);
+    if (length == std::string_view::npos) {
+      break;
+    }
     const std::string_view run = text.substr(0, length);
     if (head.kind == Kind::kOther) {
       const auto other = names.find(head.text);

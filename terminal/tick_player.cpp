@@ -10,7 +10,7 @@ CTickPlayer::CTickPlayer(IWorldRuntime& runtime, CEmbeddedBus& bus, std::vector<
                          std::optional<LocalTime> end)
     : m_runtime(runtime), m_bus(bus), m_sources(std::move(sources)), m_end(end), m_clock(runtime) {}
 
-void CTickPlayer::Start() {
+void CTickPlayer::Create() {
   if (m_sources.empty()) {
     return;
   }
@@ -22,7 +22,12 @@ void CTickPlayer::Start() {
       m_hasError = true;
     }
   });
-  m_thread->Resume();
+}
+
+void CTickPlayer::Start() {
+  if (m_thread != nullptr) {
+    m_thread->Resume();
+  }
 }
 
 void CTickPlayer::Wait() {

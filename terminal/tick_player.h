@@ -28,7 +28,10 @@ class CTickPlayer {
   CTickPlayer(IWorldRuntime& runtime, CEmbeddedBus& bus, std::vector<TickSource> sources,
               std::optional<LocalTime> end);
 
-  /// Creates the thread and lets it begin; without sources there is none.
+  /// Creates the thread; without sources there is none. Before the first fault of the day, that none may hit
+  /// it.
+  void Create();
+  /// Lets the thread begin.
   void Start();
   /// Waits until all rows are played. A mistake in a file is raised here.
   void Wait();

@@ -499,7 +499,7 @@ TEST(DayPlayer, FaultsOfThreadsAndTimersReachTheRuntime) {
     }
     EXPECT_EQ(nullptr, day.runtime->CreateThread(L"a", [] {}));
     EXPECT_EQ(nullptr, day.runtime->CreateThread(L"b", [] {}));
-    timer = day.runtime->CreateWaitableTimer(L"timer 100");
+    timer = day.runtime->CreateWaitableTimer(L"1.100");
     timer->Arm(std::chrono::seconds(1), Milliseconds(0));
     thread = day.runtime->CreateThread(L"OrderWatchThread", [&] {
       day.runtime->Sleep(Milliseconds(200));
