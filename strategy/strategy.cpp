@@ -19,6 +19,7 @@ std::wstring TagOfID(const std::wstring& strategyID) {
 CStrategy::CStrategy(IStrategyHost& owner)
     : m_owner(owner),
       m_objectNumber(owner.GetWorld().runtime.NewObjectNumber()),
+      m_logSuffix(fmt::sprintf(L".%x> ", m_objectNumber)),
       m_csIdentity(owner.GetWorld().runtime, "identity lock"),
       m_identity(std::make_shared<const CStrategyIdentity>()),
       m_csOrderInfo(owner.GetWorld().runtime, "order info lock"),
@@ -82,8 +83,8 @@ std::wstring CStrategy::OrderInfoText() const {
 }
 
 void CStrategy::WriteLog(const std::wstring& message) {
-  m_owner.WriteLog(
-      fmt::sprintf(L"[OpenLottery]<%s.%x> %s", Identity()->m_strStrategyKey, m_objectNumber, message));
+  // Joined, not formatted: a formatter would copy the message character by character.
+  m_owner.WriteLog(L"[OpenLottery]<" + Identity()->m_strStrategyKey + m_logSuffix + message);
 }
 
 void CStrategy::DelStrategy() {

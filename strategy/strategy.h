@@ -138,6 +138,7 @@ class CStrategy : public CBaseDataEventReceiver {
 
   IStrategyHost& m_owner;
   const uint32_t m_objectNumber;
+  const std::wstring m_logSuffix;  ///< what stands between key and message of a log line
 
   mutable CCriticalSection m_csIdentity;
   IdentityPtr m_identity IORDER_GUARDED_BY(m_csIdentity);

@@ -1,5 +1,6 @@
 #include "terminal/trace_writer.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "terminal/input_error.h"
@@ -12,10 +13,24 @@ constexpr size_t kFlushSize = 256 * 1024;
 
 /// Appends the UTF-8 form of `text`, with what JSON wants escaped. It works in place: a trace takes no memory
 /// per line.
+/// Appends what stands for itself, from `begin` on, in one go; returns the index behind it.
+size_t AppendPlainRun(std::wstring_view text, size_t begin, std::string& output) {
+  const auto isPlain = [](wchar_t c) { return c >= 0x20 && c < 0x80 && c != L'"' && c != L'\\'; };
+  const auto first = text.begin() + static_cast<std::ptrdiff_t>(begin);
+  const auto last = std::find_if_not(first, text.end(), isPlain);
+  const size_t size = output.size();
+  output.resize(size + static_cast<size_t>(last - first));
+  std::transform(first, last, output.begin() + static_cast<std::ptrdiff_t>(size),
+                 [](wchar_t c) { return static_cast<char>(c); });
+  return static_cast<size_t>(last - text.begin());
+}
+
 void AppendText(std::wstring_view text, std::string& output) {
   static constexpr char kHex[] = "0123456789abcdef";
   output += '"';
   for (size_t i = 0; i < text.size(); ++i) {
+    i = AppendPlainRun(text, i, output);
+    if (i == text.size()) break;
     uint32_t code = static_cast<uint32_t>(text[i]);
     if constexpr (sizeof(wchar_t) == 2) {
       if (code >= 0xD800 && code < 0xDC00 && i + 1 < text.size()) {
