@@ -108,7 +108,6 @@ TEST_F(BaseDataOpen, ACountThatHasGrownIsReadAgain) {
 
 TEST_F(BaseDataOpen, ACountThatIsNoNumberGivesZeroAndLeavesTheEarlierOne) {
   for (const Value& bad : {Value(-1), Value(int64_t{2}), Value(L"2"), Value()}) {
-    BaseDataOpen::SetUp();
     m_world.bus.changes->getValue = nullptr;
     Run([&] {
       EXPECT_EQ(m_record->GetItemCount(), 2);
