@@ -87,7 +87,7 @@ CDayCase::CDayCase(const std::string& dayPath)
 std::optional<std::string> CDayCase::Run(const RunOptions& options) const {
   CTraceText trace;
   CFaultListener fault;
-  const std::vector<std::string> errors = RunDay(m_day, options, {&trace, &fault});
+  const std::vector<std::string> errors = CDayRun(m_day, options, {&trace, &fault}).Run();
   std::string report;
   for (const std::string& error : errors) report += "the run: " + error + '\n';
   if (!m_namesFaults && !fault.Line().empty()) {

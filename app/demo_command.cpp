@@ -70,7 +70,7 @@ Story PlayDay(const MakeDayOptions& options) {
   CHappeningListener listener([&story](const std::string& at, const Happening& happening) {
     story.Add(at.substr(11, 8), happening);
   });
-  RunDay(day, {}, {&listener});
+  CDayRun(day, {}, {&listener}).Run();
   return story;
 }
 

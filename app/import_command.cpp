@@ -22,13 +22,14 @@ int Run(const Arguments& arguments) {
   options.session = arguments.session == "day" ? TaifexSession::kDay : TaifexSession::kNight;
   std::tie(options.brokerId, options.account) = ReadAccount("--account", arguments.account);
 
-  CProgress progress("bytes", 0);
+  CStatusLine line;
+  CProgress progress(line, "bytes", 0);
   options.progress = [&](uint64_t done, uint64_t total) {
     progress.Show(static_cast<double>(done),
                   total == 0 ? 0 : static_cast<double>(done) / static_cast<double>(total));
   };
   const TaifexImportResult result = ImportTaifex(options);
-  progress.Clear();
+  line.Clear();
   std::cout << fmt::format("{}: {} option series, {} of them and {} futures traded, {} ticks in {}\n",
                            options.day.string(), result.listedOptions, result.tradedOptions,
                            result.tradedFutures, result.ticks, result.tickFile.string());

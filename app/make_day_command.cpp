@@ -37,9 +37,10 @@ int Run(const Arguments& arguments) {
   }
   options.day = arguments.day.empty() ? fmt::format("made-{}.day.jsonl", options.seed) : arguments.day;
 
-  CProgress progress("ticks", static_cast<double>(options.ticks));
+  CStatusLine line;
+  CProgress progress(line, "ticks", static_cast<double>(options.ticks));
   MakeDay(options, [&progress](int64_t ticks) { progress.Show(static_cast<double>(ticks)); });
-  progress.Clear();
+  line.Clear();
   std::cout << fmt::format("{}: {} strikes, {} ticks in {}\n", options.day.string(), options.strikes,
                            options.ticks, TickFileOf(options.day).string());
   return kDone;

@@ -3,51 +3,33 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <utility>
-
-#include "platform/console.h"
 
 namespace iorder {
 namespace {
 
 constexpr double kSecondsBetween = 0.2;
 
-void WriteToErrorStream(const std::string& text) {
-  std::fputs(text.c_str(), stderr);
-  std::fflush(stderr);
-}
-
 }  // namespace
 
-CProgress::CProgress(std::string unit, double total)
-    : m_unit(std::move(unit)), m_total(total), m_watched(IsErrorStreamTerminal()) {}
-
-CProgress::~CProgress() {
-  Clear();
-}
+CProgress::CProgress(CStatusLine& line, std::string unit, double total)
+    : m_line(line), m_unit(std::move(unit)), m_total(total) {}
 
 void CProgress::Show(double count) {
   Show(count, m_total > 0 ? count / m_total : 0);
 }
 
 void CProgress::Show(double count, double share) {
-  if (!m_watched) return;
+  if (!m_line.IsWatched()) return;
   const double seconds = m_stopwatch.Seconds();
   if (seconds < m_next) return;
   m_next = seconds + kSecondsBetween;
-  m_shown = true;
-  std::string line = fmt::format("{} {}, {}/s", CountText(count), m_unit, CountText(count / seconds));
+  std::string text = fmt::format("{} {}, {}/s", CountText(count), m_unit, CountText(count / seconds));
   if (share > 0) {
     const double done = std::min(share, 1.0);
-    line = fmt::format("{:3.0f} %  {}, {} left", done * 100, line, DurationText(seconds * (1 - done) / done));
+    text = fmt::format("{:3.0f} %  {}, {} left", done * 100, text, DurationText(seconds * (1 - done) / done));
   }
-  WriteToErrorStream("\r\x1b[K" + line);
-}
-
-void CProgress::Clear() {
-  if (m_shown) WriteToErrorStream("\r\x1b[K");
-  m_shown = false;
+  m_line.Show(text);
 }
 
 std::string DurationText(double seconds) {

@@ -2,33 +2,28 @@
 
 #include <string>
 
+#include "platform/status_line.h"
 #include "platform/stopwatch.h"
 
 namespace iorder {
 
 /// Tells somebody who watches the error stream how far a long piece of work is: the share done, the rate and
-/// the time that remains. Silent during the first second, and where the error stream isn't a terminal.
+/// the time that remains. Silent during the first second. One thread at a time.
 class CProgress {
  public:
   /// `unit` is what is counted, as in "ticks". `total` is how many there are; 0 if that isn't known.
-  CProgress(std::string unit, double total);
-  /// Takes its line away.
-  ~CProgress();
-  CProgress(const CProgress&) = delete;
-  CProgress& operator=(const CProgress&) = delete;
+  CProgress(CStatusLine& line, std::string unit, double total);
 
   /// `count` of the unit are done, which is the share `share` of the work (0 to 1). Cheap enough to be called
   /// often.
   void Show(double count, double share);
   /// The same where the share is that of the total.
   void Show(double count);
-  void Clear();
 
  private:
+  CStatusLine& m_line;
   std::string m_unit;
   double m_total;
-  bool m_watched;
-  bool m_shown = false;
   double m_next = 1;  ///< seconds behind the start at which the line is written again
   CStopwatch m_stopwatch;
 };

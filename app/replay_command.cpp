@@ -10,10 +10,12 @@
 #include "app/day_totals.h"
 #include "app/happening_text.h"
 #include "app/output_place.h"
+#include "app/progress.h"
 #include "app/replay_listener.h"
 #include "app/run_day.h"
 #include "app/time_text.h"
-#include "platform/console.h"
+#include "platform/status_line.h"
+#include "platform/ticker.h"
 #include "terminal/day_file.h"
 #include "terminal/input_error.h"
 #include "terminal/input_file.h"
@@ -21,6 +23,8 @@
 
 namespace iorder {
 namespace {
+
+constexpr Milliseconds kProgressPeriod{200};
 
 struct Arguments {
   std::string day;
@@ -100,12 +104,13 @@ struct TraceFile {
   CTraceWriter writer;
 };
 
+/// Who reads on sees each line as it happens.
 void Print(bool json, const std::string& at, const Happening& happening) {
   if (json) {
-    std::cout << Json(at, happening) << '\n';
+    std::cout << Json(at, happening) << std::endl;
   } else {
     // The time of day is enough for a reader.
-    std::cout << at.substr(11) << "  " << Words(happening) << '\n';
+    std::cout << at.substr(11) << "  " << Words(happening) << std::endl;
   }
 }
 
@@ -117,27 +122,35 @@ void PrintTotals(bool json, const CDayTotals& totals, const std::vector<std::str
   }
 }
 
+/// Runs the day; who watches sees how far it is.
+std::vector<std::string> RunWatched(CDayRun& run, const CDayClock& clock, CStatusLine& status) {
+  if (!status.IsWatched()) return run.Run();
+  CProgress progress(status, "ticks", 0);
+  const CTicker ticker(kProgressPeriod,
+                       [&] { progress.Show(static_cast<double>(run.RowsPlayed()), clock.Share()); });
+  return run.Run();
+}
+
 int Run(const Arguments& arguments) {
   Day day = ReadDayFile(arguments.day);
   for (const std::string& command : arguments.commands) AddCommand(day, command);
 
-  CProgress progress("events", 0);
+  CStatusLine status;
   CDayTotals totals;
   CHappeningListener printer([&](const std::string& at, const Happening& happening) {
     totals.Add(happening);
-    progress.Clear();
-    Print(arguments.json, at, happening);
+    status.Above([&] { Print(arguments.json, at, happening); });
   });
-  CProgressListener watcher(day, progress);
+  CDayClock clock(day);
   std::optional<TraceFile> trace;
   std::optional<CLogWriter> log;
-  std::vector<ITerminalListener*> listeners = {&printer};
-  if (IsErrorStreamTerminal()) listeners.push_back(&watcher);
+  std::vector<ITerminalListener*> listeners = {&printer, &clock};
   if (!arguments.trace.empty()) listeners.push_back(&trace.emplace(arguments.trace, arguments.inputs).writer);
   if (!arguments.log.empty()) listeners.push_back(&log.emplace(arguments.log));
 
-  const std::vector<std::string> errors = RunDay(day, OptionsOf(arguments.run), listeners);
-  progress.Clear();
+  CDayRun run(day, OptionsOf(arguments.run), listeners);
+  const std::vector<std::string> errors = RunWatched(run, clock, status);
+  status.Clear();
   if (trace) trace->Commit();
   if (log) log->Commit();
 
@@ -171,6 +184,7 @@ void AddReplayCommand(CLI::App& program, Job& job) {
   command
       ->add_option("--seed", arguments->run.seed,
                    "Order of the threads in virtual time, in place of the day's seed")
+      ->type_name("N")
       ->check(WholeNumber(0, INT64_MAX));
   command->footer(Examples(
       "  iorder replay examples/days/five-strikes.day.jsonl\n"

@@ -11,8 +11,6 @@
 namespace iorder {
 namespace {
 
-/// Enough events between two looks at the clock of the machine.
-constexpr int64_t kEventsBetween = 1024;
 constexpr size_t kPiece = 1 << 16;
 
 std::string FaultCode(uint32_t code) {
@@ -40,17 +38,9 @@ void CHappeningListener::OnEvent(const TraceEvent& event) {
   }
 }
 
-CProgressListener::CProgressListener(const Day& day, CProgress& progress)
-    : m_start(day.head.start), m_end(day.head.end), m_progress(progress) {}
-
-void CProgressListener::OnEvent(const TraceEvent& event) {
-  if (++m_events % kEventsBetween != 0) return;
-  double share = 0;
-  if (m_end) {
-    const auto done = ToLocalTime(event.local) - m_start;
-    share = static_cast<double>(done.count()) / static_cast<double>((*m_end - m_start).count());
-  }
-  m_progress.Show(static_cast<double>(m_events), share);
+double CDayClock::Share() const {
+  if (!m_end || *m_end <= m_start) return 0;
+  return static_cast<double>(m_passed) / static_cast<double>((*m_end - m_start).count());
 }
 
 void CLogWriter::OnEvent(const TraceEvent& event) {

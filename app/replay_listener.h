@@ -1,12 +1,12 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <optional>
 #include <string>
 
 #include "app/happening_reader.h"
 #include "app/output_file.h"
-#include "app/progress.h"
 #include "terminal/day.h"
 #include "terminal/terminal_listener.h"
 
@@ -26,21 +26,20 @@ class CHappeningListener : public ITerminalListener {
   CHappeningReader m_reader;
 };
 
-/// Shows how far a day is.
-class CProgressListener : public ITerminalListener {
+/// Tells from any thread how much of a day's time has passed. It is read from the engine's events, of which
+/// every minute has some.
+class CDayClock : public ITerminalListener {
  public:
-  /// The share done is told from the clock of the day.
-  CProgressListener(const Day& day, CProgress& progress);
+  explicit CDayClock(const Day& day) : m_start(day.head.start), m_end(day.head.end) {}
 
-  void OnEvent(const TraceEvent& event) override;
-  /// Only with the updates of quotes there is enough to tell progress by.
-  bool WantsInputs() const override { return true; }
+  void OnEvent(const TraceEvent& event) override { m_passed = (ToLocalTime(event.local) - m_start).count(); }
+  /// 0 to 1; 0 for a day whose end isn't known before.
+  double Share() const;
 
  private:
   const LocalTime m_start;
   const std::optional<LocalTime> m_end;
-  CProgress& m_progress;
-  int64_t m_events = 0;
+  std::atomic<int64_t> m_passed = 0;  ///< ms
 };
 
 /// Writes the lines of the log, each behind its local time.

@@ -1,12 +1,10 @@
 #include "app/run_day.h"
 
-#include <memory>
 #include <stdexcept>
 
 #include "engine/intelligent_order.h"
 #include "platform/native/native_runtime.h"
 #include "platform/virtual/virtual_runtime.h"
-#include "terminal/embedded_terminal.h"
 #include "terminal/input_error.h"
 
 namespace iorder {
@@ -32,18 +30,19 @@ std::unique_ptr<IWorldRuntime> MakeRuntime(const Day& day, const RunOptions& opt
 
 }  // namespace
 
-std::vector<std::string> RunDay(const Day& day, const RunOptions& options,
-                                const std::vector<ITerminalListener*>& listeners) {
-  const std::unique_ptr<IWorldRuntime> runtime = MakeRuntime(day, options);
-  CEmbeddedTerminal terminal(*runtime, day);
-  for (ITerminalListener* const listener : listeners) terminal.AddListener(*listener);
-  std::vector<std::string> errors = runtime->Run([&terminal] {
+CDayRun::CDayRun(const Day& day, const RunOptions& options, const std::vector<ITerminalListener*>& listeners)
+    : m_runtime(MakeRuntime(day, options)), m_terminal(*m_runtime, day) {
+  for (ITerminalListener* const listener : listeners) m_terminal.AddListener(*listener);
+}
+
+std::vector<std::string> CDayRun::Run() {
+  std::vector<std::string> errors = m_runtime->Run([this] {
     // The engine's threads belong to the run, so it goes before the run is over.
-    CIntelligentOrder engine(terminal.GetWorld());
-    engine.Advise(&terminal.Events());
-    terminal.Play(engine);
+    CIntelligentOrder engine(m_terminal.GetWorld());
+    engine.Advise(&m_terminal.Events());
+    m_terminal.Play(engine);
   });
-  if (terminal.Error()) throw InputError(*terminal.Error());
+  if (m_terminal.Error()) throw InputError(*m_terminal.Error());
   return errors;
 }
 

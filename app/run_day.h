@@ -1,11 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/world_runtime.h"
 #include "terminal/day.h"
+#include "terminal/embedded_terminal.h"
 #include "terminal/terminal_listener.h"
 
 namespace iorder {
@@ -17,12 +21,24 @@ struct RunOptions {
   std::optional<uint64_t> seed;  ///< of the virtual runtime, in place of the day's own
 };
 
-/// Plays a day to a new engine in a terminal and a runtime of its own. The listeners hear what happens. Gives
-/// what went wrong with the run itself (a deadlock, a cycle in the order of locks), one text each; empty is
-/// good. A mistake in the day that shows only as it is played is an InputError.
-///
-/// Several runs may go on at the same time, on threads of their own; they may share the day.
-std::vector<std::string> RunDay(const Day& day, const RunOptions& options,
-                                const std::vector<ITerminalListener*>& listeners);
+/// One day, played to a new engine in a terminal and a runtime of its own. Several runs may go on at the same
+/// time, each on the thread that made it; they may share the day.
+class CDayRun {
+ public:
+  /// The listeners hear what happens. Day and listeners outlive the run.
+  CDayRun(const Day& day, const RunOptions& options, const std::vector<ITerminalListener*>& listeners);
+
+  /// Plays the day to its end. Gives what went wrong with the run itself (a deadlock, a cycle in the order of
+  /// locks), one text each; empty is good. A mistake in the day that shows only as it is played is an
+  /// InputError.
+  std::vector<std::string> Run();
+
+  /// Rows of the tick files so far; from any thread.
+  size_t RowsPlayed() const { return m_terminal.RowsPlayed(); }
+
+ private:
+  std::unique_ptr<IWorldRuntime> m_runtime;
+  CEmbeddedTerminal m_terminal;
+};
 
 }  // namespace iorder

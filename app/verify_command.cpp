@@ -76,7 +76,8 @@ std::vector<Trial> PlanTrials(const std::deque<CDayCase>& cases, const Arguments
 }
 
 void RunTrials(std::vector<Trial>& trials, size_t jobs) {
-  CProgress progress("runs", static_cast<double>(trials.size()));
+  CStatusLine line;
+  CProgress progress(line, "runs", static_cast<double>(trials.size()));
   std::atomic<size_t> done = 0;
   std::atomic_flag isShowing;
   RunParallel(trials.size(), jobs, [&](size_t index) {

@@ -14,6 +14,8 @@
 namespace iorder {
 namespace {
 
+using testing::ContainsRegex;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
@@ -41,6 +43,16 @@ class ExampleCommand : public testing::Test {
         ADD_FAILURE() << line;
       }
     }
+  }
+  /// What replay prints; the commands are files of the examples.
+  std::string Output(std::string arguments) {
+    for (size_t place = 0; (place = arguments.find("--command ", place)) != std::string::npos;) {
+      place += std::string("--command ").size();
+      arguments.insert(place, IORDER_EXAMPLES "/commands/");
+    }
+    const ProgramResult result = m_folder.Run("replay a.day.jsonl " + arguments);
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    return result.output;
   }
   /// The options of one right that opened within a band on the day.
   std::set<std::string> OpenedWithin(const std::string& right, double lowest, double highest) {
@@ -97,13 +109,32 @@ TEST_F(ExampleCommand, SpecialChain) {
   EXPECT_EQ(m_orderedLots, 5000 / 75);
 }
 
+TEST_F(ExampleCommand, Change) {
+  const std::string output = Output("--command immediate-start.json@09:30 --command change.json@10:00");
+  // The changed parameters start a new run, on the wider band.
+  EXPECT_THAT(output, HasSubstr("10:00:00.000  state         OpenLottery_NOW_1: building the chain\n"));
+  EXPECT_THAT(output,
+              ContainsRegex("\n10:00:00.050  accepted      TX Mar24 [0-9]+ call opened at 1[0-4][0-9]"));
+  EXPECT_THAT(output,
+              ContainsRegex("\n10:00:00.050  batch         OpenLottery_NOW_1: the orders cost 400\n"));
+}
+
 TEST_F(ExampleCommand, Stop) {
-  const ProgramResult result = m_folder.Run("replay a.day.jsonl --command '" IORDER_EXAMPLES
-                                            "/commands/calls-in-a-band.json' --command '" IORDER_EXAMPLES
-                                            "/commands/stop.json@10:00'");
-  EXPECT_EQ(result.exitCode, 0);
-  EXPECT_THAT(result.output,
-              testing::HasSubstr("10:00:00.000  state         OpenLottery_CALLS_1: stopped by command\n"));
+  EXPECT_THAT(Output("--command calls-in-a-band.json --command stop.json@10:00"),
+              HasSubstr("10:00:00.000  state         OpenLottery_CALLS_1: stopped by command\n"));
+}
+
+TEST_F(ExampleCommand, Delete) {
+  EXPECT_THAT(Output("--command calls-in-a-band.json --command delete.json@10:00"),
+              HasSubstr("10:00:00.000  strategy      OpenLottery_CALLS_1 is gone\n"));
+}
+
+TEST_F(ExampleCommand, Limits) {
+  Output("--command limits.json --log a.log");
+  EXPECT_THAT(
+      m_folder.Read("a.log"),
+      HasSubstr("[OpenLottery] Set. strStrategyID=CALLS, strStrategyTag=CALLS, Profit:Enable=1, Value=20000, "
+                "ValueP=-1.000000, Loss:Enable=1, Value=-1, ValueP=50.000000."));
 }
 
 }  // namespace
