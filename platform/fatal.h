@@ -4,8 +4,8 @@
 
 namespace iorder {
 
-/// Ends the process with `text` on the standard error stream. For what only our own code can do wrong and nothing can be
-/// saved of.
+/// Ends the process with `text` on the standard error stream. For what only our own code can do wrong and
+/// nothing can be saved of.
 [[noreturn]] void EndProcess(const std::string& text) noexcept;
 
 }  // namespace iorder

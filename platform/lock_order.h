@@ -11,8 +11,9 @@
 
 namespace iorder {
 
-/// Which lock was taken while which was held, by role (the name that locks of one kind share). A cycle means that two
-/// threads can block each other, though in this run they may not have. Not locked: whoever shares it between threads locks.
+/// Which lock was taken while which was held, by role (the name that locks of one kind share). A cycle means
+/// that two threads can block each other, though in this run they may not have. Not locked: whoever shares it
+/// between threads locks.
 class CLockOrder {
  public:
   using Role = uint32_t;
@@ -23,8 +24,8 @@ class CLockOrder {
 
   /// True if Add has nothing to say about this pair.
   bool IsKnown(Role held, Role taken) const noexcept { return m_isKnown[held * m_stride + taken] != 0; }
-  /// Notes that `thread` takes a lock of the role `taken` while it holds those of `held`. Gives one text for each pair
-  /// that so first closes a cycle.
+  /// Notes that `thread` takes a lock of the role `taken` while it holds those of `held`. Gives one text for
+  /// each pair that so first closes a cycle.
   std::vector<std::string> Add(std::span<const Role> held, Role taken, const std::wstring& thread);
 
  private:

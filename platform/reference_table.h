@@ -6,7 +6,8 @@
 
 namespace iorder {
 
-/// The numbers that a runtime gives out for objects: small ones, in order. All operations may come from any thread.
+/// The numbers that a runtime gives out for objects: small ones, in order. All operations may come from any
+/// thread.
 class CReferenceTable {
  public:
   uint32_t NewObjectNumber() {

@@ -13,9 +13,9 @@
 namespace iorder {
 
 /// Raised inside a thread that was ended by force, at its next platform call that can block; it unwinds the
-/// thread's stack and ends in the runtime. What runs during the unwinding is shielded (see CutOffShield). It is
-/// no std::exception, so that a handler for errors doesn't hold it up. Whoever writes `catch (...)` must let it
-/// pass.
+/// thread's stack and ends in the runtime. What runs during the unwinding is shielded (see CutOffShield). It
+/// is no std::exception, so that a handler for errors doesn't hold it up. Whoever writes `catch (...)` must
+/// let it pass.
 struct ThreadCutOff {};
 
 /// One message of a thread's queue: a number and two words whose meaning belongs to the number.
@@ -78,9 +78,9 @@ class IThread : public IWaitable {
   /// Takes the oldest message without waiting, from any thread: what a message owns can so be freed when its
   /// thread has ended.
   virtual std::optional<ThreadMessage> TakeMessage() = 0;
-  /// Ends the thread by force: it is unwound with ThreadCutOff at its next platform call that can block (Wait,
-  /// GetMessage, Sleep, a lock's Enter), or at the one that it is blocked in. Returns at once; wait for the
-  /// thread before anything that it may touch is freed. A thread that hasn't begun never begins.
+  /// Ends the thread by force: it is unwound with ThreadCutOff at its next platform call that can block
+  /// (Wait, GetMessage, Sleep, a lock's Enter), or at the one that it is blocked in. Returns at once; wait
+  /// for the thread before anything that it may touch is freed. A thread that hasn't begun never begins.
   virtual void Terminate() = 0;
 };
 

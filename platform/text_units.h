@@ -1,15 +1,16 @@
 #pragma once
 
+#include <utf8.h>
+
 #include <cstddef>
 #include <iterator>
 #include <string>
 #include <string_view>
 
-#include <utf8.h>
-
 namespace iorder {
 
-/// The work of text.h for both widths of a wide character: `Unit` of 16 bits holds UTF-16, one of 32 bits a code point.
+/// The work of text.h for both widths of a wide character: `Unit` of 16 bits holds UTF-16, one of 32 bits a
+/// code point.
 inline constexpr char32_t kReplacement = 0xFFFD;
 
 template <class Unit>
@@ -29,8 +30,8 @@ std::basic_string<Unit> DecodeUtf8(std::string_view utf8) {
   return wide;
 }
 
-/// The code point that begins at `at`, which moves behind it. Half a surrogate pair, a surrogate among code points and
-/// what lies beyond Unicode give the replacement.
+/// The code point that begins at `at`, which moves behind it. Half a surrogate pair, a surrogate among code
+/// points and what lies beyond Unicode give the replacement.
 template <class Unit>
 char32_t NextCodePoint(std::basic_string_view<Unit> wide, size_t& at) {
   const auto unit = static_cast<char32_t>(wide[at++]);

@@ -60,8 +60,8 @@ class CPlainStrategy : public CStrategy {
   using CStrategy::GetQuote;
   using CStrategy::GetQuoteField;
   using CStrategy::IsQuoteValid;
-  using CStrategy::SubscribeQuote;
   using CStrategy::KeyOf;
+  using CStrategy::SubscribeQuote;
   using CStrategy::UnsubscribeQuote;
 };
 
