@@ -39,18 +39,22 @@ class CBaseData::Connection : public IBusEvents {
   void SetGate() { m_gate->Set(); }
 
   void OnUpdate(int32_t originator, const std::wstring& payload) override {
+    // Let go only after the gate is open again: the receiver may go with it, and its handles wait for the
+    // gate.
+    std::optional<std::shared_ptr<void>> pin;
     WaitGate();
     const GateOpener opener{*m_gate};
     CBaseDataEventReceiver* receiver = m_receiver;
-    if (m_cookie != 0 && receiver != nullptr && originator != m_ownWriter) {
-      receiver->OnUpdate(m_source, originator, payload);
-    }
+    if (m_cookie == 0 || receiver == nullptr || originator == m_ownWriter) return;
+    pin = receiver->Pin();
+    if (pin) receiver->OnUpdate(m_source, originator, payload);
   }
 
   /// Neither gate nor echo test: a replacement always reaches the receiver at once.
   void OnReplace(int32_t originator) override {
-    if (CBaseDataEventReceiver* receiver = m_receiver; receiver != nullptr)
-      receiver->OnReplace(m_source, originator);
+    CBaseDataEventReceiver* receiver = m_receiver;
+    if (receiver == nullptr) return;
+    if (const auto pin = receiver->Pin()) receiver->OnReplace(m_source, originator);
   }
 
  private:

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -19,6 +20,10 @@ class CBaseData;
 class CBaseDataEventReceiver {
  public:
   virtual ~CBaseDataEventReceiver() = default;
+  /// What keeps the receiver alive while an event is delivered to it. A receiver that is destroyed only after
+  /// its handles needs nothing; one that is shared gives a reference to itself, or none if it is being
+  /// destroyed: then the event is dropped.
+  virtual std::optional<std::shared_ptr<void>> Pin() { return nullptr; }
   virtual void OnUpdate(CBaseData* source, int32_t originator, const std::wstring& payload);
   virtual void OnReplace(CBaseData* source, int32_t originator);
 };

@@ -38,7 +38,7 @@ bool CStrategyOpenLottery::FindUnderlyingPrice(const COpenLotteryInfo& info) {
   const std::wstring notReady =
       fmt::sprintf(L"GetSymbolList. UnderlyingPrice not Ready. SymbolUnderlying=%s, PriceType=%s", underlying,
                    info.m_strPriceType);
-  if (m_lMarketKind == 3) FillUtcTime();
+  FillUtcTime();
   if (!IsInTradingHours(GetQuote(underlying).get(), underlying)) {
     WriteLog(notReady + L". ");
     return false;

@@ -11,7 +11,6 @@ namespace iorder {
 
 namespace {
 
-constexpr int kMaxPasses = 100;
 constexpr int32_t kResultAnnounced = 0;
 constexpr int32_t kResultAccountNotReady = -101;
 constexpr int32_t kActionOpen = 1;
@@ -46,7 +45,9 @@ void CStrategyOpenLottery::DoPlaceOrder() {
 
   const InfoPtr info = Info();
   std::vector<CBatchSymbol> symbols = SymbolsInOrder(newSymbols);
-  const int64_t cashLeft = AllocateLots(symbols, *info);
+  const int64_t cashLeft = AllocateLots(
+      symbols, info->m_llCash, ChainWeight(), [&](const std::wstring&) { return OrderPriceOf(*info); },
+      [this](const std::wstring& line) { WriteLog(line); });
   const int64_t totalCashOrder = WholeDifference(info->m_llCash, cashLeft);
   {
     CLockGuard guard(m_csCash);
@@ -87,8 +88,7 @@ bool CStrategyOpenLottery::ClearReports() {
   return !records.empty();
 }
 
-std::vector<CStrategyOpenLottery::CBatchSymbol> CStrategyOpenLottery::SymbolsInOrder(
-    const std::vector<std::wstring>& newSymbols) {
+std::vector<CBatchSymbol> CStrategyOpenLottery::SymbolsInOrder(const std::vector<std::wstring>& newSymbols) {
   std::vector<std::wstring> calls;
   std::vector<std::wstring> puts;
   {
@@ -110,8 +110,9 @@ std::vector<CStrategyOpenLottery::CBatchSymbol> CStrategyOpenLottery::SymbolsInO
   SortByStrike(puts);
   // The symbols furthest out of the money are served first.
   std::vector<CBatchSymbol> symbols;
-  for (auto call = calls.rbegin(); call != calls.rend(); ++call) symbols.push_back({.strSymbol = *call});
-  for (const std::wstring& put : puts) symbols.push_back({.strSymbol = put});
+  for (auto call = calls.rbegin(); call != calls.rend(); ++call)
+    symbols.push_back({.strSymbol = *call, .dbPrice = {}});
+  for (const std::wstring& put : puts) symbols.push_back({.strSymbol = put, .dbPrice = {}});
   return symbols;
 }
 
@@ -121,58 +122,24 @@ double CStrategyOpenLottery::OrderPriceOf(const COpenLotteryInfo& info) {
   return info.m_lOrderPriceType == 2 ? NoPrice : info.m_dbOrderPrice;
 }
 
-int64_t CStrategyOpenLottery::AllocateLots(std::vector<CBatchSymbol>& symbols, const COpenLotteryInfo& info) {
+double CStrategyOpenLottery::ChainWeight() {
   std::wstring chainSymbol;
   {
     CLockGuard guard(m_csRun);
     chainSymbol = m_strChainSymbol;
   }
-  const double weight = GetContractWeight(chainSymbol);
-  for (CBatchSymbol& symbol : symbols) {
-    symbol.dbPrice = OrderPriceOf(info);
-    symbol.llCashOrder = Truncate(symbol.dbPrice * weight);
-  }
-  int64_t cashLeft = info.m_llCash;
-  bool added = true;
-  for (int pass = 0; pass < kMaxPasses && added; ++pass)
-    added = AllocatePass(symbols, info.m_llCash, weight, cashLeft);
-  return cashLeft;
-}
-
-bool CStrategyOpenLottery::AllocatePass(std::vector<CBatchSymbol>& symbols, int64_t cash, double weight,
-                                        int64_t& cashLeft) {
-  bool added = false;
-  bool ended = false;
-  for (CBatchSymbol& symbol : symbols) {
-    if (symbol.dbPrice == NoPrice) continue;
-    if (symbol.llCashOrder < 1) {
-      WriteLog(fmt::sprintf(L"Check Cash Fail. Symbol=%s, CashOrder=%lld, Weight=%f, OrderPrice=%f.",
-                            symbol.strSymbol, symbol.llCashOrder, weight, symbol.dbPrice));
-      cashLeft = -1;
-      ended = true;
-    } else if (cashLeft < symbol.llCashOrder) {
-      if (symbol.llCashOrder > cash) {
-        WriteLog(fmt::sprintf(
-            L"Check Cash Fail. Symbol=%s, m_llCash=%lld, CashOrder=%lld, Weight=%f, OrderPrice=%f.",
-            symbol.strSymbol, cash, symbol.llCashOrder, weight, symbol.dbPrice));
-      }
-    } else {
-      ++symbol.lQty;
-      cashLeft -= symbol.llCashOrder;
-      added = true;
-    }
-  }
-  return added && !ended;
+  return GetContractWeight(chainSymbol);
 }
 
 int32_t CStrategyOpenLottery::PlaceLots(const std::vector<CBatchSymbol>& symbols) {
   int32_t placed = 0;
   for (const CBatchSymbol& symbol : symbols) {
-    if (symbol.lQty < 1 || symbol.dbPrice == NoPrice) {
+    const double price = symbol.dbPrice.value_or(NoPrice);
+    if (symbol.lQty < 1 || price == NoPrice) {
       m_mapOrdered.Remove(symbol.strSymbol);  // a later batch may take it
       WriteLog(fmt::sprintf(L"NewOrderOpen Fail. Symbol=%s, lQty=%d, dbPrice=%f.", symbol.strSymbol,
-                            symbol.lQty, symbol.dbPrice));
-    } else if (NewOrderOpen(symbol.strSymbol, ToScaled(symbol.dbPrice), symbol.lQty)) {
+                            symbol.lQty, price));
+    } else if (NewOrderOpen(symbol.strSymbol, ToScaled(price), symbol.lQty)) {
       ++placed;
     }
   }

@@ -28,7 +28,8 @@ int64_t WholeSeconds(int64_t time, int64_t timeFormat) {
 }  // namespace
 
 void CStrategyOpenLottery::FillUtcTime() {
-  if (m_stUTCTime.Year() < kFirstYear) m_stUTCTime.Store(Runtime().UtcTime());
+  if (m_lMarketKind == kTestedMarket && m_stUTCTime.Year() < kFirstYear)
+    m_stUTCTime.Store(Runtime().UtcTime());
 }
 
 bool CStrategyOpenLottery::IsInTradingHours(CBaseData* handle, const std::wstring& symbol) {

@@ -31,6 +31,11 @@ CStrategy::~CStrategy() {
   CloseAllQuotes();
 }
 
+std::optional<std::shared_ptr<void>> CStrategy::Pin() {
+  if (auto self = weak_from_this().lock()) return self;
+  return std::nullopt;
+}
+
 CStrategy::IdentityPtr CStrategy::Identity() const {
   CLockGuard guard(m_csIdentity);
   return m_identity;

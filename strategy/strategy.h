@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -46,7 +47,7 @@ std::wstring TagOfID(const std::wstring& strategyID);
 /// Three kinds of thread enter a strategy: the engine's threads for commands and messages, the timer's
 /// threads and the threads of the record bus. Every member has a lock or is atomic. Lock order: quote lock,
 /// then reverse lock; neither is held when the engine's strategy lock may be taken (SubQuote, UnsubQuote).
-class CStrategy : public CBaseDataEventReceiver {
+class CStrategy : public CBaseDataEventReceiver, public std::enable_shared_from_this<CStrategy> {
  public:
   explicit CStrategy(IStrategyHost& owner);
   /// Closes what quotes are left. A derived class closes them first thing in its own destructor, so that no
@@ -54,6 +55,9 @@ class CStrategy : public CBaseDataEventReceiver {
   ~CStrategy() override;
   CStrategy(const CStrategy&) = delete;
   CStrategy& operator=(const CStrategy&) = delete;
+
+  /// A strategy is held by shared references: an update on its way keeps it alive.
+  std::optional<std::shared_ptr<void>> Pin() override;
 
   /// The number that stands for this object in texts and thread messages; never given twice.
   uint32_t ObjectNumber() const { return m_objectNumber; }

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "strategy/lot_allocation.h"
 #include "strategy/open_lottery_info.h"
 #include "strategy/option_chain.h"
 #include "strategy/order_string.h"
@@ -105,6 +106,8 @@ class CStrategyOpenLottery : public CStrategy {
   // Trading session.
   bool IsInTradingHours(CBaseData* handle, const std::wstring& symbol);
   bool IsTWFTradingHour(CBaseData* handle, const std::wstring& symbol);
+  /// Where hours are tested: takes the UTC time from the clock, unless a minute tick has stored one of our
+  /// years.
   void FillUtcTime();
 
   // Selection of strikes.
@@ -124,12 +127,6 @@ class CStrategyOpenLottery : public CStrategy {
   void LogOpenPrice(const CQuoteKey& option, CBaseData& handle, ScaledValue openPrice);
 
   // Placing orders.
-  struct CBatchSymbol {
-    std::wstring strSymbol;
-    double dbPrice = NoPrice;
-    int64_t llCashOrder = 0;
-    int32_t lQty = 0;
-  };
   void DoPlaceOrder();
   std::vector<std::wstring> DrainHits();
   void StampBatch();
@@ -139,10 +136,8 @@ class CStrategyOpenLottery : public CStrategy {
   /// from the lowest.
   std::vector<CBatchSymbol> SymbolsInOrder(const std::vector<std::wstring>& newSymbols);
   double OrderPriceOf(const COpenLotteryInfo& info);
-  /// Gives out lots one by one and returns the cash that is left.
-  int64_t AllocateLots(std::vector<CBatchSymbol>& symbols, const COpenLotteryInfo& info);
-  /// One walk, a lot for each symbol that fits; false if no further walk can add anything.
-  bool AllocatePass(std::vector<CBatchSymbol>& symbols, int64_t cash, double weight, int64_t& cashLeft);
+  /// What one price point of a lot of the run's chain is worth.
+  double ChainWeight();
   int32_t PlaceLots(const std::vector<CBatchSymbol>& symbols);
   bool NewOrderOpen(const std::wstring& symbol, ScaledValue price, int32_t lots);
   bool NewOrder(const COrder& order);

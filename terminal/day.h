@@ -150,6 +150,7 @@ struct Day {
   DayHead head;
   std::vector<DayLine> lines;  ///< in the order of their times
   size_t setupCount = 0;       ///< the first so many come before phase 1
+  size_t commandCount = 0;     ///< commands that were put in without a time
 };
 
 }  // namespace iorder

@@ -206,20 +206,39 @@ Day ReadDayFile(const std::string& path) {
   return day;
 }
 
+namespace {
+
+/// Where commands without a time go: behind phase 2, or behind the setup of a day that never calls it.
+std::vector<DayLine>::iterator StartOfCommands(Day& day) {
+  const auto first = day.lines.begin() + static_cast<std::ptrdiff_t>(day.setupCount);
+  if (day.head.autoPhases) return first;
+  const auto open = std::find_if(day.lines.begin(), day.lines.end(), [](const DayLine& line) {
+    const auto* phase = std::get_if<PhaseAction>(&line.action);
+    return phase != nullptr && phase->category == 1 && phase->phase == 2;
+  });
+  return open == day.lines.end() ? first : std::next(open);
+}
+
+}  // namespace
+
 void InsertCommand(Day& day, std::string_view text, std::optional<LocalTime> at) {
-  const LocalTime time = at.value_or(day.head.start);
-  if (time < day.head.start || (day.head.end && time > *day.head.end)) {
-    throw InputError("a command at " + ToText(time) + " lies outside the day of " + day.path);
-  }
-  auto place = day.lines.begin() + static_cast<std::ptrdiff_t>(day.setupCount);
-  if (at) {
-    place = std::upper_bound(place, day.lines.end(), time,
-                             [](LocalTime left, const DayLine& line) { return left < line.at; });
-  }
   MessageAction message;
   message.topic = L"TRADE.IntelligentOrder";
   message.text = ToWide(text);
-  day.lines.insert(place, {time, 0, std::move(message)});
+  if (!at) {
+    // Behind phase 2, and behind the commands that came this way before.
+    const auto place = StartOfCommands(day) + static_cast<std::ptrdiff_t>(day.commandCount++);
+    const LocalTime time = place == day.lines.begin() ? day.head.start : std::prev(place)->at;
+    day.lines.insert(place, {std::max(time, day.head.start), 0, std::move(message)});
+    return;
+  }
+  if (*at < day.head.start || (day.head.end && *at > *day.head.end)) {
+    throw InputError("a command at " + ToText(*at) + " lies outside the day of " + day.path);
+  }
+  const auto first = day.lines.begin() + static_cast<std::ptrdiff_t>(day.setupCount);
+  const auto place = std::upper_bound(first, day.lines.end(), *at,
+                                      [](LocalTime left, const DayLine& line) { return left < line.at; });
+  day.lines.insert(place, {*at, 0, std::move(message)});
 }
 
 }  // namespace iorder

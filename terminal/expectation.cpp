@@ -1,6 +1,8 @@
 #include "terminal/expectation.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <iterator>
 
 #include "terminal/expectation_lines.h"
 #include "terminal/input_file.h"
@@ -88,11 +90,16 @@ std::optional<std::string> CExpectations::Check(std::string_view trace) const {
 
 std::optional<std::string> CExpectations::PathFor(const std::string& dayPath) {
   static constexpr std::string_view kDayEnd = ".day.jsonl";
-  for (const std::string_view packed : {"", ".gz", ".zst"}) {
+  static constexpr std::string_view kPacked[] = {"", ".gz", ".zst"};
+  for (const std::string_view packed : kPacked) {
     const std::string end = std::string(kDayEnd) + std::string(packed);
-    if (dayPath.ends_with(end)) {
-      return dayPath.substr(0, dayPath.size() - end.size()) + ".expect.jsonl";
-    }
+    if (!dayPath.ends_with(end)) continue;
+    const std::string plain = dayPath.substr(0, dayPath.size() - end.size()) + ".expect.jsonl";
+    const auto isThere = [&plain](std::string_view how) {
+      return std::filesystem::exists(plain + std::string(how));
+    };
+    const auto found = std::find_if(std::begin(kPacked), std::end(kPacked), isThere);
+    return found == std::end(kPacked) ? plain : plain + std::string(*found);
   }
   return std::nullopt;
 }

@@ -53,11 +53,10 @@ class CAnyOrder : public IExpectation {
 
   std::optional<ExpectationFailure> Check(TraceSearch& search) const override {
     Candidates candidates(m_patterns.size());
+    Matching matching;
     for (size_t i = search.next; i < search.lines.size(); ++i) {
-      if (!AddCandidate(i, search, candidates) || !IsComplete(candidates)) {
-        continue;
-      }
       // Tried anew with each candidate, so that the last of the lines is the first that will do.
+      if (!AddCandidate(i, search, candidates) || !Match(candidates, matching)) continue;
       std::set<size_t> used;
       PatternNames names = search.names;
       if (Assign(candidates, 0, search, used, names)) {
@@ -71,6 +70,8 @@ class CAnyOrder : public IExpectation {
 
  private:
   using Candidates = std::vector<std::vector<size_t>>;
+  /// Which pattern has which line.
+  using Matching = std::map<size_t, size_t>;
 
   /// Whether the line fits a pattern by itself.
   bool AddCandidate(size_t index, const TraceSearch& search, Candidates& candidates) const {
@@ -85,9 +86,29 @@ class CAnyOrder : public IExpectation {
     return isOne;
   }
 
-  static bool IsComplete(const Candidates& candidates) {
-    return std::none_of(candidates.begin(), candidates.end(),
-                        [](const auto& lines) { return lines.empty(); });
+  /// Whether each pattern can have a line of its own, names left aside: grown by augmenting paths, so that a
+  /// list of many patterns with a line too few is refused in no time.
+  static bool Match(const Candidates& candidates, Matching& lineToPattern) {
+    std::set<size_t> matched;
+    for (const auto& [line, pattern] : lineToPattern) matched.insert(pattern);
+    for (size_t p = 0; p < candidates.size(); ++p) {
+      std::set<size_t> visited;
+      if (!matched.contains(p) && !Augment(candidates, p, lineToPattern, visited)) return false;
+    }
+    return true;
+  }
+
+  static bool Augment(const Candidates& candidates, size_t pattern, Matching& lineToPattern,
+                      std::set<size_t>& visited) {
+    for (const size_t line : candidates[pattern]) {
+      if (!visited.insert(line).second) continue;
+      const auto owner = lineToPattern.find(line);
+      if (owner == lineToPattern.end() || Augment(candidates, owner->second, lineToPattern, visited)) {
+        lineToPattern[line] = pattern;
+        return true;
+      }
+    }
+    return false;
   }
 
   /// Gives each pattern from `pattern` on a line of its own.

@@ -118,7 +118,9 @@ void CNativeKernel::HoldThread(std::wstring_view name, Milliseconds time) {
   const TimePoint until = m_clock.Now() + time;
   m_holds.insert_or_assign(std::wstring(name), until);
   for (const auto& [thread, running] : m_threads) {
-    if (thread->Name() == name) thread->m_heldUntil = until;
+    if (thread->Name() != name) continue;
+    thread->m_heldUntil = until;
+    thread->Wake();  // a hold may be shorter than the one it stands in
   }
 }
 

@@ -110,7 +110,12 @@ void CScheduler::HoldThread(std::wstring_view name, Milliseconds time) {
   const TimePoint until = m_now + time;
   m_holds.insert_or_assign(std::wstring(name), until);
   for (const auto& [number, thread] : m_threads) {
-    if (thread->Name() == name) thread->m_heldUntil = until;
+    if (thread->Name() != name) continue;
+    thread->m_heldUntil = until;
+    if (!thread->m_isInHold || thread->m_state != CVirtualThread::State::kBlocked) continue;  // it looks by itself
+    m_due.Remove(*thread);
+    thread->m_isInHold = false;
+    Wake(*thread);
   }
 }
 
@@ -159,7 +164,9 @@ bool CScheduler::ComesFirst(TimePoint until, Precedence precedence) const noexce
 std::optional<size_t> CScheduler::EndHold(CVirtualThread& self, std::optional<size_t> result) {
   while (m_now < self.m_heldUntil && !self.CheckCutOff()) {
     m_due.Add(self, self.m_heldUntil, Precedence::kEngine);
+    self.m_isInHold = true;
     Block();
+    self.m_isInHold = false;
   }
   return result;
 }

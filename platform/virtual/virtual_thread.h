@@ -64,6 +64,7 @@ class CVirtualThread final : public IThread, public CSignal, public CWaiter, pub
   bool m_mustGetLock = false;  ///< blocked in a lock whose taking the end by force doesn't break off
   int m_shields = 0;
   TimePoint m_heldUntil{};
+  bool m_isInHold = false;  // blocked by a hold, not by a wait
   CRing<ThreadMessage> m_messages;
   class CMessageSignal final : public CSignal {
    public:

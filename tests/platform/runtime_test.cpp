@@ -564,6 +564,25 @@ TEST_P(RuntimeTest, AHeldThreadWakesFromNoWaitUntilTheHoldIsOver) {
   });
 }
 
+TEST_P(RuntimeTest, AHoldThatIsTakenBackLetsItsThreadGoAtOnce) {
+  Run([&] {
+    const TimePoint end = m_runtime->Now() + Milliseconds(600000);
+    TimePoint woken;
+    auto event = AutoEvent();
+    auto waiter = Start(L"waiter", [&] {
+      m_runtime->Wait(*event, std::nullopt);
+      woken = m_runtime->Now();
+    });
+    Settle();
+    m_runtime->HoldThread(L"waiter", end - m_runtime->Now());
+    event->Set();  // it is awake from here on, and stands in the hold
+    Settle();
+    m_runtime->HoldThread(L"waiter", Milliseconds(0));
+    EXPECT_TRUE(Comes(*waiter));
+    EXPECT_LT(woken, end);
+  });
+}
+
 TEST_P(RuntimeTest, AHeldThreadDoesNotEvenLook) {
   Run([&] {
     auto event = m_runtime->CreateEvent(EventReset::kManual, true);

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <memory>
+
 #include "strategy/strategy.h"
 #include "tests/reference/reference_fixture.h"
 
@@ -69,8 +71,8 @@ class StrategyQuotes : public ReferenceTest {
  protected:
   void WithStrategy(const std::function<void(CPlainStrategy& strategy)>& body) {
     Run([&] {
-      CPlainStrategy strategy(m_engine);
-      body(strategy);
+      const auto strategy = std::make_shared<CPlainStrategy>(m_engine);
+      body(*strategy);
     });
   }
 

@@ -300,6 +300,24 @@ TEST_F(DayFile, ACommandWithoutATimeComesFirstBehindTheSetup) {
   EXPECT_EQ(day.head.start, day.lines[1].at);
 }
 
+TEST_F(DayFile, CommandsWithoutATimeKeepTheirOrder) {
+  Day day = Read("{\"note\": \"setup\"}\n{\"at\": \"08:40:00\", \"note\": \"first\"}\n");
+  for (const char* text : {"1", "2", "3"}) InsertCommand(day, text, std::nullopt);
+  for (size_t i = 1; i <= 3; ++i) {
+    EXPECT_EQ(std::to_wstring(i), std::get<MessageAction>(day.lines[i].action).text);
+  }
+}
+
+TEST_F(DayFile, ACommandWithoutATimeWaitsForPhaseTwoThatADayCallsItself) {
+  Day day = Read("{\"at\": \"08:41:00\", \"phase\": [1, 1]}\n{\"at\": \"08:42:00\", \"phase\": [1, 2]}\n",
+                 "{\"day\": {\"start\": \"2024-03-04T08:40:00\", \"phases\": \"manual\"}}\n");
+  for (const char* text : {"1", "2"}) InsertCommand(day, text, std::nullopt);
+  ASSERT_EQ(4U, day.lines.size());
+  EXPECT_EQ(L"1", std::get<MessageAction>(day.lines[2].action).text);
+  EXPECT_EQ(L"2", std::get<MessageAction>(day.lines[3].action).text);
+  EXPECT_EQ(day.lines[1].at, day.lines[2].at);
+}
+
 TEST_F(DayFile, ACommandWithATimeComesBehindTheLinesOfThatTime) {
   Day day = Read("{\"at\": \"09:00:00\", \"note\": \"a\"}\n{\"at\": \"09:00:01\", \"note\": \"b\"}\n");
   InsertCommand(day, "x", day.lines[0].at);

@@ -2,6 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+#include <fstream>
+#include <string>
+
 #include "terminal/input_error.h"
 #include "tests/terminal/day_folder.h"
 
@@ -120,6 +124,20 @@ TEST_F(Expectation, AnyOrderNeedsDifferentLinesAndGoesOnBehindTheLastOfThem) {
       "{\"any_order\": [{\"order\": {\"QTY\": \"3\"}}, {\"event\": \"command\"}]}\n{\"at\": \"08:46\"}\n"));
 }
 
+TEST_F(Expectation, AnyOrderWithALineTooFewIsRefusedAtOnce) {
+  // Tried one assignment after the other, this would take years.
+  constexpr int kPatterns = 25;
+  std::string trace;
+  std::string list = R"({"text": "same"})";
+  for (int i = 1; i < kPatterns; ++i) {
+    trace += R"({"at": "2024-03-04T08:40:00.000", "thread": "host", "event": "log", "text": "same"})"
+             "\n";
+    list += R"(, {"text": "same"})";
+  }
+  const CExpectations expectations(m_folder.Write("a.expect.jsonl", "{\"any_order\": [" + list + "]}"));
+  EXPECT_THAT(expectations.Check(trace).value_or(""), HasSubstr("don't fit different lines"));
+}
+
 TEST_F(Expectation, AnyOrderFindsRunsThatAllPatternsShare) {
   EXPECT_TRUE(Holds(
       R"({"any_order": [{"order": {"QTY": "1", "USERKEY2": "{$k}"}}, {"order": {"QTY": "3", "USERKEY2": "{$k}"}}]})"));
@@ -169,6 +187,15 @@ TEST_F(Expectation, MistakesNameFileLineAndKey) {
   EXPECT_EQ("a.expect.jsonl:1: an empty pattern fits every line", Mistake("{}"));
   EXPECT_THAT(Mistake("{\"event\": "), HasSubstr("a.expect.jsonl:1: not a JSON value"));
   EXPECT_THAT(Mistake(""), HasSubstr("a.expect.jsonl: is empty"));
+}
+
+TEST_F(Expectation, MayLiePackedBesideItsDay) {
+  const std::filesystem::path folder = std::filesystem::path(::testing::TempDir()) / "packed-expectation";
+  std::filesystem::create_directories(folder);
+  std::ofstream(folder / "a.expect.jsonl.zst") << "any";
+  EXPECT_EQ((folder / "a.expect.jsonl.zst").string(),
+            CExpectations::PathFor((folder / "a.day.jsonl").string()));
+  std::filesystem::remove_all(folder);
 }
 
 TEST_F(Expectation, LiesBesideTheDayOfTheSameName) {
