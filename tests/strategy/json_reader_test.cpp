@@ -87,6 +87,24 @@ TEST(JsonReader, AnIntegerBeyond64BitsIsNoPriceEither) {
   EXPECT_EQ(-2.0, ReadJsonNumber(object, "beyond", -2));
 }
 
+// The ten places of a double are those of a scaled value, which ends at 2^63 / 10^10.
+TEST(JsonReader, ADoubleBeyondTheTenPlacesReadsAsTheLowestScaledValue) {
+  const auto object = Json(
+      R"({"last":922337203.6854775,"beyond":922337203.6854777,"Cash":1000000000.0,"below":-1000000000.0})");
+  EXPECT_EQ(922337203.6854775, ReadJsonNumber(object, "last", NoPrice));
+  for (const char* name : {"beyond", "Cash", "below"}) {
+    EXPECT_EQ(-922337203.6854775808, ReadJsonNumber(object, name, NoPrice)) << name;
+    EXPECT_EQ(-922337203.6854775808, ReadJsonNumberLoose(object, name, NoPrice)) << name;
+    EXPECT_EQ(-922337203.6854775808, ReadJsonDouble(object, name, 0.0)) << name;
+  }
+}
+
+TEST(JsonReader, AnIntegerIsNotBoundByTheTenPlaces) {
+  const auto object = Json(R"({"Cash":1000000000})");
+  EXPECT_EQ(1000000000.0, ReadJsonNumber(object, "Cash", NoPrice));
+  EXPECT_EQ(1000000000.0, ReadJsonNumberLoose(object, "Cash", NoPrice));
+}
+
 TEST(JsonReader, TheLooseReaderGivesTheLowestNumberInPlaceOfNoPrice) {
   const auto object = Json(R"({"integer":5,"double":5.5,"text":"5"})");
   EXPECT_EQ(5.0, ReadJsonNumberLoose(object, "integer", NoPrice));
