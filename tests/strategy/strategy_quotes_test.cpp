@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "strategy/strategy.h"
-#include "tests/reference/reference_fixture.h"
+#include "tests/strategy/recording_engine.h"
 
 namespace iorder::testing {
 namespace {
@@ -13,47 +13,6 @@ using ::testing::IsEmpty;
 
 constexpr const wchar_t* kSymbol = L"ND.F.TWF.TX.202403";
 constexpr const wchar_t* kOther = L"ND.O.TWF.TX.202403.C.18000";
-
-/// The engine as a strategy sees it: subscriptions, posts and log lines are noted.
-class CRecordingEngine : public IStrategyHost {
- public:
-  explicit CRecordingEngine(CRecordingHost& host) : m_host(host) {}
-
-  World& GetWorld() override { return m_host.GetWorld(); }
-  void WriteLog(const std::wstring& text) override { m_host.WriteLog(text); }
-  std::unique_ptr<CBaseData> OpenRecord(const std::wstring& name, CBaseDataEventReceiver* receiver) override {
-    return m_host.OpenRecord(name, receiver);
-  }
-  Value SendHostEvent(const std::wstring& topic, int32_t first, int32_t second, const std::wstring& text,
-                      const Value& value) override {
-    return m_host.SendHostEvent(topic, first, second, text, value);
-  }
-  void PostEngineMessage(uint32_t message, CStrategy*, uintptr_t) override { posted.push_back(message); }
-  void SubQuote(const std::wstring& symbol) override {
-    if (onSubscribe) onSubscribe(symbol);
-    m_host.FireSubscribe(symbol);
-  }
-  void UnsubQuote(const std::wstring& symbol) override {
-    if (onUnsubscribe) onUnsubscribe(symbol);
-    m_host.FireUnsubscribe(symbol);
-  }
-  std::wstring GetHotMonth(const std::wstring& symbol) override { return symbol; }
-  std::vector<std::wstring> QueryOptionList(const std::wstring&) override { return {}; }
-  std::wstring GetStringFromSecurity(const std::wstring&, const std::wstring& attribute) override {
-    return attribute == L"Weight" ? weight : L"";
-  }
-  ScaledValue RoundToTick(const std::wstring&, double) override { return NoValue; }
-  bool IsAccountReady(const std::wstring&, const std::wstring&) override { return false; }
-  void EnqueueQuote(const CQuoteData&) override {}
-
-  std::vector<uint32_t> posted;
-  std::wstring weight;
-  std::function<void(const std::wstring& symbol)> onSubscribe;
-  std::function<void(const std::wstring& symbol)> onUnsubscribe;
-
- private:
-  CRecordingHost& m_host;
-};
 
 class CPlainStrategy : public CStrategy {
  public:
