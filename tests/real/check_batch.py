@@ -3,7 +3,8 @@
 
     check_batch.py PROGRAM DATA
 
-The command starts the strategy at once. The batch then holds what has opened within the band before that time.
+The command starts the strategy at once. The batch then holds what has opened within the band before that time. No other batch may
+follow: what opens later waits.
 """
 
 import re
@@ -40,11 +41,12 @@ def opened_before(data, session, expiry, right, at):
 
 
 def batch_of(trace):
-    """Orders (symbol, lots), prices and cash of the first batch."""
-    orders, prices, stamp, cash = [], set(), None, None
+    """Orders (symbol, lots), prices and cash of the first batch, and how many orders went out in all."""
+    orders, prices, total, stamp, cash = [], set(), 0, None, None
     for line in trace:
         if line["event"] == "command" and line["topic"] == "TRADE.NEWORDER":
             fields = dict(pair.split("=", 1) for pair in line["text"].split(","))
+            total += 1
             stamp = stamp or fields["USERKEY2"]
             if fields["USERKEY2"] == stamp:
                 assert fields["SIDE"] == "B" and fields["POSITIONEFFECT"] == "0" and fields["ORDERTYPE"] == "2", line
@@ -53,7 +55,7 @@ def batch_of(trace):
         done = re.search(r"DoPlaceOrder Done\. m_lStatus=-?\d+, llTotalCashOrder=(-?\d+)\.", line.get("text") or "")
         if line["event"] == "log" and done and cash is None:
             cash = int(done.group(1))
-    return orders, prices, cash
+    return orders, prices, cash, total
 
 
 def main(program, data):
@@ -68,10 +70,11 @@ def main(program, data):
             for cash in (0, lot - 1, lot, lot * 2 + 1, lot * count - 1, lot * count, lot * (2 * count + 1), lot * count * 150):
                 expected, expected_cash = first_batch(options, price, weight, cash)
                 trace = replay(program, days[session], command(session, chain, right, run=1, price=price, cash=cash), folder, at)
-                found, prices, found_cash = batch_of(trace)
-                if (found, found_cash) != (expected, expected_cash) or prices - {round(price * 10**10)}:
+                found, prices, found_cash, total = batch_of(trace)
+                if (found, found_cash) != (expected, expected_cash) or prices - {round(price * 10**10)} or total != len(found):
                     print(f"{session} {chain} {right} at {at}, price {price}, cash {cash}:\n"
-                          f"  orders {found}, prices {prices}, cash {found_cash}\n  expected {expected}, cash {expected_cash}")
+                          f"  orders {found}, {total} in all, prices {prices}, cash {found_cash}\n"
+                          f"  expected {expected}, and no more, cash {expected_cash}")
                     return 1
             print(f"{session} {chain} {right} at {at}: {count} options, price {price}, eight cash limits: orders as the model's")
     return 0
