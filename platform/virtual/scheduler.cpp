@@ -112,7 +112,8 @@ void CScheduler::HoldThread(std::wstring_view name, Milliseconds time) {
   for (const auto& [number, thread] : m_threads) {
     if (thread->Name() != name) continue;
     thread->m_heldUntil = until;
-    if (!thread->m_isInHold || thread->m_state != CVirtualThread::State::kBlocked) continue;  // it looks by itself
+    if (!thread->m_isInHold || thread->m_state != CVirtualThread::State::kBlocked)
+      continue;  // it looks by itself
     m_due.Remove(*thread);
     thread->m_isInHold = false;
     Wake(*thread);
