@@ -1,6 +1,8 @@
 #include "app/day_case.h"
 
 #include <algorithm>
+#include <iterator>
+#include <string_view>
 #include <system_error>
 
 #include "platform/text.h"
@@ -71,6 +73,20 @@ std::string ExpectationPath(const std::string& dayPath) {
   return *path;
 }
 
+/// An expectation file without its day is a case that would go unseen.
+void RefuseOrphan(const std::string& path) {
+  static constexpr std::string_view kPacked[] = {"", ".gz", ".zst"};
+  for (const std::string_view packed : kPacked) {
+    const std::string end = ".expect.jsonl" + std::string(packed);
+    if (!path.ends_with(end)) continue;
+    const std::string day = path.substr(0, path.size() - end.size()) + ".day.jsonl";
+    const bool isThere = std::any_of(std::begin(kPacked), std::end(kPacked), [&day](std::string_view how) {
+      return fs::exists(day + std::string(how));
+    });
+    if (!isThere) throw InputError(path + ": has no day beside it, expected " + day);
+  }
+}
+
 bool HasExpectation(const fs::path& path) {
   const std::optional<std::string> expectation = CExpectations::PathFor(path.string());
   return expectation && fs::exists(*expectation);
@@ -87,8 +103,15 @@ CDayCase::CDayCase(const std::string& dayPath)
 std::optional<std::string> CDayCase::Run(const RunOptions& options) const {
   CTraceText trace;
   CFaultListener fault;
-  const std::vector<std::string> errors = CDayRun(m_day, options, {&trace, &fault}).Run();
+  std::vector<std::string> errors;
   std::string report;
+  try {
+    errors = CDayRun(m_day, options, {&trace, &fault}).Run();
+  } catch (const InputError& error) {
+    // What shows only as the day is played (a report of an order that was never sent, say) fails this case
+    // alone.
+    report += std::string("the day: ") + error.what() + '\n';
+  }
   for (const std::string& error : errors) report += "the run: " + error + '\n';
   if (!m_namesFaults && !fault.Line().empty()) {
     report += "a fault that no line of the expectation file names:\n    " + fault.Line();
@@ -104,8 +127,11 @@ std::vector<std::string> FindDays(const fs::path& path) {
   if (!fs::exists(status)) throw InputError(path.string() + ": isn't there, expected a day file or a folder");
   if (!fs::is_directory(status)) return {path.string()};
   std::vector<std::string> days;
-  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(path, error)) {
-    if (entry.is_regular_file() && HasExpectation(entry.path())) days.push_back(entry.path().string());
+  const fs::recursive_directory_iterator end;
+  for (fs::recursive_directory_iterator entry(path, error); !error && entry != end; entry.increment(error)) {
+    if (!entry->is_regular_file()) continue;
+    RefuseOrphan(entry->path().string());
+    if (HasExpectation(entry->path())) days.push_back(entry->path().string());
   }
   if (error) throw InputError(path.string() + ": can't be read: " + error.message());
   if (days.empty()) {

@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -23,6 +24,8 @@
 
 namespace iorder {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr Milliseconds kProgressPeriod{200};
 
@@ -131,8 +134,26 @@ std::vector<std::string> RunWatched(CDayRun& run, const CDayClock& clock, CStatu
   return run.Run();
 }
 
+/// A run must not write over what it reads, nor two files into one.
+void RefuseSameFiles(const Arguments& arguments) {
+  const auto isSame = [](const std::string& left, const std::string& right) {
+    std::error_code ignored;
+    return !left.empty() && !right.empty() &&
+           fs::weakly_canonical(left, ignored) == fs::weakly_canonical(right, ignored);
+  };
+  for (const std::string& output : {arguments.trace, arguments.log}) {
+    if (isSame(output, arguments.day)) {
+      throw InputError(output + ": is the day that this run reads, expected another file to write to");
+    }
+  }
+  if (isSame(arguments.trace, arguments.log)) {
+    throw InputError(arguments.log + ": is the file of the trace too, expected one of its own for the log");
+  }
+}
+
 int Run(const Arguments& arguments) {
   Day day = ReadDayFile(arguments.day);
+  RefuseSameFiles(arguments);
   for (const std::string& command : arguments.commands) AddCommand(day, command);
 
   CStatusLine status;

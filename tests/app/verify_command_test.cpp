@@ -73,6 +73,24 @@ TEST_F(Verify, DaysWithoutExpectationAreLeftOutOfAFolder) {
   EXPECT_EQ(Run("d").output, "1 passed, 0 failed\n");
 }
 
+TEST_F(Verify, AnExpectationWithoutItsDayIsAnError) {
+  Case("d/a", kHolds);
+  m_folder.Write("d/b.expect.jsonl", kHolds);
+  const ProgramResult result = Run("d");
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_THAT(result.errors, HasSubstr("d/b.expect.jsonl: has no day beside it, expected d/b.day.jsonl"));
+}
+
+TEST_F(Verify, AMistakeThatShowsOnlyAsADayIsPlayedFailsItsCaseAlone) {
+  Case("d/a", kHolds,
+       std::string(kDay) + "\n" + R"({"at": "08:40:30", "report": {"order": 1, "ExecType": 0}})");
+  Case("d/b", kHolds);
+  const ProgramResult result = Run("d");
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.output, StartsWith("FAILED d/a.day.jsonl\nthe day: d/a.day.jsonl:2: "));
+  EXPECT_THAT(result.output, EndsWith("\n1 passed, 1 failed\n"));
+}
+
 TEST_F(Verify, ADayNamedItselfNeedsAnExpectation) {
   m_folder.Write("b.day.jsonl", kDay);
   const ProgramResult result = Run("b.day.jsonl");
