@@ -44,7 +44,9 @@ target_compile_options(iorder_options INTERFACE
 target_compile_definitions(iorder_options INTERFACE RAPIDJSON_HAS_STDSTRING=1)
 if(IORDER_SANITIZE)
   target_compile_options(iorder_options INTERFACE -fsanitize=${IORDER_SANITIZE} -fno-omit-frame-pointer
-    -fno-sanitize-recover=all)
+    -fno-sanitize-recover=all
+    # In the sanitizers' own code g++ loses sight of what is set.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(iorder_options INTERFACE -fsanitize=${IORDER_SANITIZE})
 endif()
 
