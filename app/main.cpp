@@ -1,5 +1,5 @@
-#include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -53,9 +53,7 @@ int RunProgram(int argc, char** argv) {
   AddImportCommand(program, job);
 
   if (const std::optional<int> exitCode = ReadCommandLine(program, argc, argv)) return *exitCode;
-  const int exitCode = job();
-  std::cout.flush();
-  return exitCode;
+  return job();
 }
 
 /// What was printed must have arrived: a full disk or a broken pipe is an error.
@@ -74,6 +72,8 @@ int main(int argc, char** argv) {
   try {
     return CheckOutput(RunProgram(argc, argv));
   } catch (const InputError& error) {
+    return ReportError(error.what(), kWrongUsage);
+  } catch (const std::filesystem::filesystem_error& error) {
     return ReportError(error.what(), kWrongUsage);
   } catch (const std::exception& error) {
     return ReportError(std::string("unexpected error: ") + error.what(), kWrong);

@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -194,11 +193,12 @@ void AddReplayCommand(CLI::App& program, Job& job) {
           "the engine is open. - is the standard input. May be given several times")
       ->type_name("FILE[@TIME]")
       ->allow_extra_args(false);
-  command
-      ->add_option("--trace", arguments->trace,
-                   "Write a trace of all events, packed if it ends in .gz or .zst")
-      ->type_name("FILE");
-  command->add_flag("--inputs", arguments->inputs, "Let the trace show what the terminal did too");
+  CLI::Option* const trace = command
+                                 ->add_option("--trace", arguments->trace,
+                                              "Write a trace of all events, packed if it ends in .gz or .zst")
+                                 ->type_name("FILE");
+  command->add_flag("--inputs", arguments->inputs, "Let the trace show what the terminal did too")
+      ->needs(trace);
   command->add_option("--log", arguments->log, "Write the lines of the engine's log")->type_name("FILE");
   command->add_flag("--json", arguments->json, "Print one JSON object a line, and a closing one");
   AddRunOptions(*command, arguments->run);

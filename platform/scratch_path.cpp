@@ -71,7 +71,10 @@ CScratchPath CScratchPath::NewFileBeside(const fs::path& target) {
 }
 
 CScratchPath CScratchPath::NewFolder() {
-  std::string name = (fs::temp_directory_path() / "iorder-XXXXXX").string();
+  std::error_code error;
+  const fs::path parent = fs::temp_directory_path(error);
+  if (error) Raise("no folder for temporary files, TMPDIR names it", parent, error.value());
+  std::string name = (parent / "iorder-XXXXXX").string();
   const std::lock_guard lock(Scratch().mutex);
   if (mkdtemp(name.data()) == nullptr) Raise("cannot make a folder", name, errno);
   Scratch().paths.insert(name);

@@ -139,6 +139,8 @@ TEST_F(BadInput, OptionsThatAreWrong) {
     EXPECT_THAT(Replay(std::string("a.day.jsonl ") + arguments), HasSubstr(message)) << arguments;
   }
   EXPECT_THAT(Replay(""), HasSubstr("DAY is required"));
+  EXPECT_EQ(m_folder.Run("replay a.day.jsonl --inputs").errors,
+            "iorder: --inputs requires --trace (see iorder --help)\n");
 }
 
 TEST_F(BadInput, OutputsThatCannotBeWritten) {
@@ -165,6 +167,14 @@ TEST_F(BadInput, AFullDiskAndABrokenPipeAreErrors) {
   const ProgramResult broken =
       m_folder.RunShell("{ sleep 0.2; " + program + " replay a.day.jsonl; echo $? >&2; } | true");
   EXPECT_EQ(broken.errors, "iorder: the output can't be written\n2\n");
+}
+
+TEST_F(BadInput, NoPlaceForTemporaryFiles) {
+  const ProgramResult result =
+      m_folder.RunShell("export TMPDIR=\"$PWD/nowhere\"; " + CProgramFolder::Program() + " demo");
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_THAT(result.errors,
+              MatchesRegex("iorder: [^\n]+no folder for temporary files, TMPDIR names it[^\n]+\n"));
 }
 
 TEST_F(BadInput, CommandsThatAreNone) {
