@@ -62,6 +62,8 @@ function(iorder_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE iorder_options ${ARG_LINK} GTest::gtest_main GTest::gmock)
+  # A test's own code isn't what is fast or slow: not optimised, it builds in half the time.
+  target_compile_options(${name} PRIVATE -O0)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300)
 endfunction()
