@@ -32,7 +32,7 @@ class CBaseDataEventReceiver {
 /// sub-records, and passes the record's events on to its receiver.
 ///
 /// Any thread may read. Nothing here raises: a field that is missing or of another kind gives the default.
-/// Deleting a handle waits for an event that is being delivered, for at most 3 seconds, twice; it may not be
+/// Deleting a handle waits for an event that is being delivered, for at most 3 seconds; it may not be
 /// deleted from inside its own event. Handles that the Open operations return belong to the caller.
 class CBaseData {
  public:

@@ -2,8 +2,8 @@
 
 namespace iorder {
 
-// Orders are withdrawn and positions closed once reports are followed; until then an ending run leaves them
-// alone, and a hit that comes after the first batch waits.
+// Orders are withdrawn (and cancel strings sent) and positions closed once reports are followed; until then
+// an ending run leaves them alone, and a hit that comes after the first batch waits.
 
 void CStrategyOpenLottery::DoCancelOrderOpen(int32_t) {}
 
