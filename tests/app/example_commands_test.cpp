@@ -102,7 +102,7 @@ TEST_F(ExampleCommand, ImmediateStart) {
 }
 
 TEST_F(ExampleCommand, SpecialChain) {
-  Run("special-chain.json@09:30");
+  Run("nearest-expiry.json@09:30");
   EXPECT_EQ(m_accepted, OpenedWithin("C", 1, 50));
   EXPECT_EQ(m_orderedPrice, 1.5);
   // 75 a lot: the cash is used up.
