@@ -5,6 +5,8 @@
 
 #include "engine/engine_message.h"
 #include "engine/intelligent_order.h"
+#include "engine/profit_monitor.h"
+#include "engine/profit_publisher.h"
 #include "platform/platform_error.h"
 #include "platform/text.h"
 
@@ -88,10 +90,11 @@ void CIntelligentOrder::OrderCommandThread() {
 }
 
 void CIntelligentOrder::OrderWatchThread() {
+  CProfitPublisher publisher(*this, m_strategies);
   while (!m_world.runtime.Wait(*m_hStopEvent, kWatchPeriod)) {
-    Guarded([this] {
+    Guarded([&] {
       PassPendingOrders();
-      m_strategies.ForEach([](CStrategy& strategy) { strategy.PublishProfit(); });
+      publisher.Run();
     });
   }
 }
@@ -128,7 +131,11 @@ void CIntelligentOrder::ProcessCalPositionProfit() {
   WriteLog(L"ProcessCalPositionProfit.");
   const std::array<IWaitable*, 2> events{m_hStopEvent.get(), m_hPnLEvent.get()};
   constexpr size_t kPnLIndex = 1;
-  while (m_world.runtime.Wait(events, std::nullopt) == kPnLIndex) Guarded([this] { CalPositionProfit(); });
+  CProfitMonitor monitor(*this, m_strategies, m_limits, m_quoteQueue);
+  while (m_world.runtime.Wait(events, std::nullopt) == kPnLIndex) {
+    Guarded([&] { monitor.Run(); });
+    if (!m_quoteQueue.IsEmpty()) m_hPnLEvent->Set();  // the next quote has the next pass
+  }
   WriteLog(L"ProcessCalPositionProfit End.");
 }
 

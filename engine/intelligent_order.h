@@ -139,14 +139,16 @@ class CIntelligentOrder final : public CBaseDataEventReceiver,
   void KillMinuteClock();
   void ArmTimer(int32_t id, int64_t intervalMs);
 
+  // Reports.
+  /// Gives the report that a payload of "TRADE.ORDERSET" names to its strategy; on the message thread.
+  void DispatchOrderSetUpdate(const std::wstring& payload);
+
   // Roads whose ends aren't built yet.
   void ParseGroupOrder(const rapidjson::Document& document);
   void PassPendingOrders();
   void RegisterChildOrder(int32_t handle);
   void OnChildOrderUpdate(CBaseData* source);
   void OnOrderRecheck(int32_t timerId);
-  void DispatchOrderSetUpdate(const std::wstring& payload);
-  void CalPositionProfit();
 
   World& m_world;
   CProxy_INordoManagerEvents m_events;

@@ -19,13 +19,4 @@ void CIntelligentOrder::OnChildOrderUpdate(CBaseData*) {}
 /// The re-check timer of a group order has fired.
 void CIntelligentOrder::OnOrderRecheck(int32_t) {}
 
-/// A payload of "TRADE.ORDERSET": the report goes to its strategy.
-void CIntelligentOrder::DispatchOrderSetUpdate(const std::wstring&) {}
-
-/// The monitor was woken: a quote is valued, the limits of changed tags are checked. Until then quotes are
-/// let go.
-void CIntelligentOrder::CalPositionProfit() {
-  while (m_quoteQueue.Take()) continue;
-}
-
 }  // namespace iorder

@@ -1,5 +1,7 @@
 #include "engine/pnl_settings.h"
 
+#include <utility>
+
 #include "records/scaled_value.h"
 #include "strategy/json_reader.h"
 
@@ -35,6 +37,17 @@ std::shared_ptr<CPnLInfo> CPnLSettings::Touch(const std::wstring& tag) {
   if (info == nullptr) info = std::make_shared<CPnLInfo>(m_runtime);
   m_mapPnLTags.insert(tag);
   return info;
+}
+
+std::shared_ptr<CPnLInfo> CPnLSettings::Find(const std::wstring& tag) {
+  CLockGuard guard(m_csPnL);
+  const auto found = m_mapPnLSettings.find(tag);
+  return found == m_mapPnLSettings.end() ? nullptr : found->second;
+}
+
+std::set<std::wstring> CPnLSettings::TakeChangedTags() {
+  CLockGuard guard(m_csPnL);
+  return std::exchange(m_mapPnLTags, {});
 }
 
 }  // namespace iorder

@@ -47,6 +47,10 @@ class CPnLSettings {
 
   /// The limits of a tag, made if there are none yet; the tag counts as changed.
   std::shared_ptr<CPnLInfo> Touch(const std::wstring& tag);
+  /// The limits of a tag, or none.
+  std::shared_ptr<CPnLInfo> Find(const std::wstring& tag);
+  /// The changed tags; none counts as changed afterwards.
+  std::set<std::wstring> TakeChangedTags();
 
  private:
   IRuntime& m_runtime;

@@ -37,6 +37,12 @@ CStrategyRegistry::StrategyPtr CStrategyRegistry::Find(uintptr_t objectNumber) {
   return found == m_setStrategies.end() ? nullptr : found->second.lock();
 }
 
+CStrategyRegistry::StrategyPtr CStrategyRegistry::FindByKey(const std::wstring& key) {
+  CLockGuard guard(m_csStrategies);
+  const auto found = m_mapStrategies.find(key);
+  return found == m_mapStrategies.end() ? nullptr : found->second.lock();
+}
+
 CStrategyRegistry::StrategyPtr CStrategyRegistry::FindWithRetired(uintptr_t objectNumber) {
   if (StrategyPtr live = Find(objectNumber)) return live;
   const auto findIn = [objectNumber](const std::vector<StrategyPtr>& strategies) -> StrategyPtr {

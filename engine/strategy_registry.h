@@ -42,6 +42,8 @@ class CStrategyRegistry {
 
   /// The live strategy of this object number, or none.
   StrategyPtr Find(uintptr_t objectNumber);
+  /// The live strategy of this key, or none.
+  StrategyPtr FindByKey(const std::wstring& key);
   /// Calls `visit` with each live strategy, in order, with the lock held.
   void ForEach(const std::function<void(CStrategy&)>& visit);
   /// True if a live strategy has the symbol in its quote table.

@@ -137,7 +137,7 @@ void CStrategyOpenLottery::StopByTime(const COpenLotteryInfo& info) {
   UnsubAll();
 }
 
-void CStrategyOpenLottery::OnUpdate(CBaseData* source, int32_t, const std::wstring&) {
+void CStrategyOpenLottery::OnUpdate(CBaseData* source, int32_t originator, const std::wstring&) {
   const int32_t status = Status();
   if (source == nullptr) return;
   if (source == m_pQuoteUnderlying) {
@@ -151,7 +151,7 @@ void CStrategyOpenLottery::OnUpdate(CBaseData* source, int32_t, const std::wstri
     return;
   }
   if (status < lottery_state::kRunning) return;
-  if (const QuoteKey option = KeyOf(source)) JudgeUpdate(*option, *source);
+  if (const QuoteKey option = KeyOf(source)) JudgeUpdate(*option, *source, originator);
 }
 
 void CStrategyOpenLottery::OnStrategyEvent(uint32_t number, uintptr_t) {

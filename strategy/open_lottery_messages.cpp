@@ -6,7 +6,6 @@ namespace iorder {
 namespace {
 
 constexpr const wchar_t* kScreenTopic = L"MSG.NewStrategyOrder";
-constexpr const wchar_t* kClientTopic = L"API_MSG.NewStrategyOrder";
 
 }  // namespace
 

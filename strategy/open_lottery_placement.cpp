@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "reference/symbol.h"
+#include "strategy/order_result.h"
 #include "strategy/status_message.h"
 #include "strategy/strategy_open_lottery.h"
 
@@ -11,10 +12,6 @@ namespace iorder {
 
 namespace {
 
-constexpr int32_t kResultAnnounced = 0;
-constexpr int32_t kResultAccountNotReady = -101;
-constexpr int32_t kActionOpen = 1;
-constexpr int32_t kActionClose = 2;
 constexpr const wchar_t* kOrderTopic = L"TRADE.NEWORDER";
 
 /// a - b, wrapping as the machine does: a limit at an end of the range must not stop the batch.
@@ -156,7 +153,7 @@ bool CStrategyOpenLottery::NewOrderOpen(const std::wstring& symbol, ScaledValue 
         .Integer("Qty", lots);
   };
   CStatusMessage announced(*Identity(), "Order");
-  describe(announced).Integer("Result", kResultAnnounced).Integer("Action", kActionOpen);
+  describe(announced).Integer("Result", order_result::kAnnounced).Integer("Action", order_action::kOpen);
   UpdateStatus(announced.Finish(), 1);
   CStatusMessage report(*Identity(), "Report");
   UpdateStatus(describe(report).Finish(), 1);
@@ -172,8 +169,9 @@ bool CStrategyOpenLottery::NewOrder(const COrder& order) {
   }
   const std::wstring text = FormatOrder(*identity, batchStamp, order);
   if (!Owner().IsAccountReady(identity->m_strBrokerID, identity->m_strAccount)) {
-    const int32_t action = order.lPositionEffect == order_code::kOpen ? kActionOpen : kActionClose;
-    PublishOrderResult(order.strSymbol, kResultAccountNotReady, action);
+    const int32_t action =
+        order.lPositionEffect == order_code::kOpen ? order_action::kOpen : order_action::kClose;
+    PublishOrderResult(order.strSymbol, order_result::kAccountNotReady, action);
     WriteLog(L"NewOrder Fail. Account not Ready. " + text + L".");
     return false;
   }

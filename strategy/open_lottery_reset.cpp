@@ -46,6 +46,11 @@ void CStrategyOpenLottery::ClearRun() {
     CLockGuard guard(m_csCash);
     m_llTotalCashOrder = 0;
   }
+  {
+    CLockGuard guard(m_csProfit);
+    m_dbTotalPnL = 0.0;
+    m_dbTotalCost = 0.0;
+  }
   for (const std::wstring& symbol : m_chain.TakeSymbols()) UnsubscribeQuote(symbol);
   ReleaseUnderlying();
   m_mapSymbols.Clear();
@@ -59,6 +64,7 @@ void CStrategyOpenLottery::ClearRun() {
   }
   ClearReports();
   m_mapOrdered.Clear();
+  m_positions.Clear();
   m_chain.ClearStrikes();
   m_mapOpenLogged.Clear();
 }

@@ -58,10 +58,13 @@ CStrategyOpenLottery::Verdict CStrategyOpenLottery::Judge(const CQuoteKey& optio
   return m_mapScanPassed.Add(option) ? Verdict::kNewPass : Verdict::kKnownPass;
 }
 
-void CStrategyOpenLottery::JudgeUpdate(const CQuoteKey& option, CBaseData& handle) {
+void CStrategyOpenLottery::JudgeUpdate(const CQuoteKey& option, CBaseData& handle, int32_t updateId) {
   ScaledValue openPrice = NoValue;
-  // A held symbol that had passed before goes to the profit monitor here, once positions are kept.
-  if (Judge(option, handle, openPrice) != Verdict::kNewPass) return;
+  const Verdict verdict = Judge(option, handle, openPrice);
+  if (verdict == Verdict::kKnownPass && m_positions.NetPosition(option) > 0) {
+    EnqueueSnapshot(option.strSymbol, &handle, updateId);
+  }
+  if (verdict != Verdict::kNewPass) return;
   m_mapScanHit.Add(option.strSymbol);
   {
     CLockGuard guard(m_csStatus);

@@ -16,6 +16,7 @@ inline constexpr int32_t kMarketWithProtection = 25;  ///< ORDERTYPE "MWP"
 inline constexpr int32_t kOpen = 0;                   ///< POSITIONEFFECT
 inline constexpr int32_t kClose = 1;                  ///< POSITIONEFFECT
 inline constexpr int32_t kDay = 1;                    ///< TIMEINFORCE of a limit order
+inline constexpr int32_t kImmediate = 2;              ///< TIMEINFORCE of a market order
 }  // namespace order_code
 
 /// What an order string says beside who sends it.

@@ -12,6 +12,19 @@ CStatusMessage::CStatusMessage(const CStrategyIdentity& identity, const char* me
   WriteText("StrategyTag", identity.m_strStrategyTag);
   WriteText("StrategyID", identity.m_strStrategyID);
   WriteText("StrategySN", identity.m_strStrategySN);
+  WriteType(messageType);
+}
+
+CStatusMessage::CStatusMessage(const char* messageType, const std::wstring& tag, int decimals)
+    : m_writer(m_buffer) {
+  m_writer.SetMaxDecimalPlaces(decimals);
+  m_writer.StartObject();
+  WriteText("StrategyType", L"OpenLottery");
+  WriteText("StrategyTag", tag);
+  WriteType(messageType);
+}
+
+void CStatusMessage::WriteType(const char* messageType) {
   m_writer.Key("MsgType");
   m_writer.String(messageType);
 }

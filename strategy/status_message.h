@@ -11,12 +11,17 @@
 
 namespace iorder {
 
+/// The topic of the API's clients.
+inline constexpr const wchar_t* kClientTopic = L"API_MSG.NewStrategyOrder";
+
 /// Builds one status message: a compact JSON object with a fixed envelope, the body under "Data", keys in the
 /// order in which they are added. A message without a body has no "Data". Used once.
 class CStatusMessage {
  public:
   /// `decimals`: places of a double; what lies behind them is cut off.
   CStatusMessage(const CStrategyIdentity& identity, const char* messageType, int decimals = 6);
+  /// The message of all strategies of a tag: its envelope names no single one.
+  CStatusMessage(const char* messageType, const std::wstring& tag, int decimals);
 
   CStatusMessage& Text(const char* key, std::wstring_view value);
   CStatusMessage& Integer(const char* key, int64_t value);
@@ -28,6 +33,7 @@ class CStatusMessage {
   std::wstring Finish();
 
  private:
+  void WriteType(const char* messageType);
   void WriteText(const char* key, std::wstring_view value);
   void BeginBody();
 

@@ -124,6 +124,11 @@ CStrategy::QuoteKey CStrategy::KeyOf(CBaseData* handle) {
   return found == m_mapReverse.end() ? nullptr : found->second;
 }
 
+CStrategy::QuoteKey CStrategy::KeyOfSymbol(const std::wstring& symbol) {
+  CLockGuard guard(m_csQuote);
+  return KeyFor(symbol);
+}
+
 CStrategy::QuoteKey CStrategy::KeyFor(const std::wstring& symbol) {
   const auto [entry, isNew] = m_mapKeys.try_emplace(symbol);
   if (isNew) {

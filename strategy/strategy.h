@@ -130,6 +130,8 @@ class CStrategy : public CBaseDataEventReceiver, public std::enable_shared_from_
   bool IsQuoteValid(const std::wstring& symbol);
   /// The symbol of an open handle, or none.
   QuoteKey KeyOf(CBaseData* handle);
+  /// The key of any symbol, whether there is a quote of it or not; never none.
+  QuoteKey KeyOfSymbol(const std::wstring& symbol);
 
   /// The symbol's "Weight" as a whole number; 1.0 if it has none.
   double GetContractWeight(const std::wstring& symbol);

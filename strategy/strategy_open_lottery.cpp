@@ -22,7 +22,10 @@ CStrategyOpenLottery::CStrategyOpenLottery(IStrategyHost& owner, std::wstring in
       m_csReportRecord(Runtime(), "report record lock"),
       m_csReportExec(Runtime(), "report exec lock"),
       m_csBatch(Runtime(), "batch lock"),
-      m_csCash(Runtime(), "cash lock") {}
+      m_csCash(Runtime(), "cash lock"),
+      m_positions(Runtime()),
+      m_csProfit(Runtime(), "profit lock"),
+      m_csCancelAsked(Runtime(), "cancel lock") {}
 
 // No event may find the strategy half destroyed, so the quotes go first.
 CStrategyOpenLottery::~CStrategyOpenLottery() {

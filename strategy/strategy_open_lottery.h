@@ -5,18 +5,23 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "strategy/lot_allocation.h"
 #include "strategy/open_lottery_info.h"
 #include "strategy/option_chain.h"
+#include "strategy/order_report.h"
 #include "strategy/order_string.h"
+#include "strategy/position_book.h"
 #include "strategy/shared_time.h"
 #include "strategy/strategy.h"
 #include "strategy/symbol_set.h"
 
 namespace iorder {
+
+class CStatusMessage;
 
 /// The states of an OpenLottery strategy. They have numbers only: the numbers show in log lines.
 namespace lottery_state {
@@ -45,13 +50,16 @@ inline constexpr uint32_t kLimitReached = 4029;  ///< stop by profit or loss
 /// A daily routine over one option chain. A minute before its start time it builds the chain (Reset) and
 /// keeps the strikes that its rules select around the at-the-money strike of the underlying (GetSymbolList).
 /// From the start time on it judges each option by its opening price (ScanQuote, OnUpdate), and buys the ones
-/// that pass in batches under a cash limit (DoPlaceOrder).
+/// that pass in batches under a cash limit (DoPlaceOrder). It follows the reports of its orders
+/// (OnReportUpdate), values what it holds (OnPositionProfit), and cancels and closes when its stop time, a
+/// command or a limit says so (DoCancelOrderOpen, DoClosePos).
 ///
-/// Entered by the command thread (parse, stop command), the message thread (events, batches), timer threads
-/// (Start) and bus threads (OnUpdate). Each collection has a lock of its own, held briefly; the state is read
-/// as a snapshot. Lock order: chain, then symbols; symbols, then quote lock, and then the scan's sets; scan
-/// hits, then ordered symbols. Batches stay serial because only the message thread runs them, and other
-/// threads reach it by posting.
+/// Entered by the command thread (parse, stop command), the message thread (events, batches, reports), timer
+/// threads (Start), bus threads (OnUpdate) and the engine's profit threads. Each collection has a lock of its
+/// own, held briefly; the state is read as a snapshot. Lock order: chain, then symbols; symbols, then quote
+/// lock, and then the scan's sets; scan hits, then ordered symbols; positions, then profit. Only a close-out
+/// holds its lock, that of the positions, while orders and messages leave. Batches and reports stay serial
+/// because only the message thread runs them, and other threads reach it by posting.
 class CStrategyOpenLottery : public CStrategy {
  public:
   /// `installPath` is the terminal's folder, with a trailing separator.
@@ -66,6 +74,11 @@ class CStrategyOpenLottery : public CStrategy {
   void OnStopCommand(const rapidjson::Document& document) override;
   /// "TotalCashOrder": the cash that the last batch committed.
   int64_t GetLongValue(const std::wstring& name, int64_t fallback) override;
+  /// "PnL" and "Cost": profit of the positions, and what was paid for them, in money.
+  double GetDoubleValue(const std::wstring& name, double fallback) override;
+  void OnReportUpdate(CBaseData* record) override;
+  int32_t OnPositionProfit(const CQuoteData& quote) override;
+  void PublishProfit() override;
 
  private:
   using InfoPtr = std::shared_ptr<const COpenLotteryInfo>;
@@ -123,7 +136,7 @@ class CStrategyOpenLottery : public CStrategy {
   enum class Verdict { kUnjudged, kKnown, kNewPass, kKnownPass };
   int32_t ScanQuote();
   Verdict Judge(const CQuoteKey& option, CBaseData& handle, ScaledValue& openPrice);
-  void JudgeUpdate(const CQuoteKey& option, CBaseData& handle);
+  void JudgeUpdate(const CQuoteKey& option, CBaseData& handle, int32_t updateId);
   void LogOpenPrice(const CQuoteKey& option, CBaseData& handle, ScaledValue openPrice);
 
   // Placing orders.
@@ -142,9 +155,39 @@ class CStrategyOpenLottery : public CStrategy {
   bool NewOrderOpen(const std::wstring& symbol, ScaledValue price, int32_t lots);
   bool NewOrder(const COrder& order);
 
-  // Ending orders and positions.
-  void DoCancelOrderOpen(int32_t bStop);
-  void DoClosePos(int32_t bByProfit);
+  // Following reports.
+  /// A fill or a rejection changes the state.
+  void NoteExecution(int32_t execType);
+  void KeepReport(const COrderReport& report, CBaseData& record);
+  void FollowOpenOrder(const COrderReport& report, int32_t status);
+  /// Goes on once every ordered symbol has its acknowledgement, or its cancellation.
+  void CheckBatchComplete(int32_t status);
+  size_t CountReports(int32_t execType);
+  /// Takes a report into its symbol's position and tells both; `now` is a YYYYMMDDhhmmss.
+  void UpdatePosition(const COrderReport& report, int32_t action, int64_t now);
+  static void TellOpenOrder(const COrderReport& report, CStatusMessage& message);
+  static void TellClosed(const CPosInfo::CClosed& closed, CStatusMessage& message);
+  /// A stopped strategy goes once nothing is held and nothing works.
+  void LeaveIfEmpty();
+
+  // Ending orders and positions. Both give 1 if there was something to end.
+  /// bStop 0: to make room for a new batch, 1: the run ends.
+  int32_t DoCancelOrderOpen(int32_t bStop);
+  std::vector<std::wstring> WorkingReports();
+  bool HasNoReports();
+  void CancelOpenOrder(const std::wstring& reportID, int32_t bStop);
+  std::wstring SymbolOfReport(const std::wstring& reportID);
+  bool IsCancelAsked(const std::wstring& reportID);
+  void CancelOrder(const std::wstring& reportID);
+  /// bByProfit 1: a profit or loss limit was reached.
+  int32_t DoClosePos(int32_t bByProfit);
+  void AnnounceClose(const std::wstring& symbol, const std::wstring& type, int32_t lots, int32_t result);
+
+  // Valuing positions.
+  /// Hands the state of a quote (none: no values) to the profit monitor.
+  void EnqueueSnapshot(const std::wstring& symbol, CBaseData* quote, int32_t updateId);
+  /// Money of one price point; 1.0 while none is known.
+  double WeightOf(const std::wstring& symbol, CPosInfo& position);
 
   // Status messages.
   void UpdateStatus(const std::wstring& text, int32_t bLog);
@@ -206,6 +249,17 @@ class CStrategyOpenLottery : public CStrategy {
 
   CCriticalSection m_csCash;
   int64_t m_llTotalCashOrder IORDER_GUARDED_BY(m_csCash) = 0;
+
+  CPositionBook m_positions;
+  CCriticalSection m_csProfit;
+  double m_dbTotalPnL IORDER_GUARDED_BY(m_csProfit) = 0.0;
+  double m_dbTotalCost IORDER_GUARDED_BY(m_csProfit) = 0.0;
+  /// A limit has closed out. Nothing clears it: that happens once in a strategy's life.
+  std::atomic<int32_t> m_bDoClosePosByProfit{0};
+
+  /// Reports whose cancel was told, so that its confirmation is known; it only grows.
+  CCriticalSection m_csCancelAsked;
+  std::set<std::wstring> m_mapCancelAsked IORDER_GUARDED_BY(m_csCancelAsked);
 
   std::atomic<int64_t> m_llStamp{0};  ///< counts the Resets
   CSharedTime m_stLocalTime;          ///< of the last minute tick

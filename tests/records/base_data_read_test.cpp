@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "records/base_data.h"
+#include "records/record_copy.h"
 #include "tests/support/virtual_world.h"
 
 namespace iorder::test {
@@ -147,42 +148,41 @@ TEST_F(BaseDataRead, AttachFailsWithoutTheComponent) {
 
 TEST_F(BaseDataRead, ARecordIsCopiedThroughAWriteBatch) {
   m_world.Run([this] {
-    CBaseData target(m_world.world);
-    ASSERT_TRUE(target.Attach(nullptr, nullptr));
+    auto held = std::make_unique<CBaseData>(m_world.world);
+    ASSERT_TRUE(held->Attach(nullptr, nullptr));
     m_world.bus.changes->calls.clear();
 
-    const Value names = m_record->GetValue(read_code::kNames, kCopySelector);
-    const std::wstring* text = std::get_if<std::wstring>(&names);
-    ASSERT_NE(text, nullptr);
-    const Value content = m_record->GetValue(read_code::kContent, *text);
-    const int32_t token = target.BeginWrite();
-    target.WriteValue(token, write_code::kClear, 255, {});
-    target.WriteValue(token, write_code::kContent, {}, content);
-    target.EndWrite(token);
-
+    const CBaseData* const first = held.get();
+    const auto copy = CopyRecord(m_world.world, *m_record, std::move(held));
     EXPECT_EQ(m_world.bus.changes->calls,
               (std::vector<std::wstring>{L"read 11 1024", L"begin", L"write 15", L"write 17", L"end"}));
-    EXPECT_EQ(target.GetVariant(L"int32"), Value(5));
-    EXPECT_EQ(target.GetVariant(L"int64"), Value(kLarge));
-    EXPECT_EQ(target.GetVariant(L"text"), Value(L"12x"));
-    EXPECT_EQ(target.GetVariant(L"missing"), Value());
-    EXPECT_EQ(target.GetFieldById(3), 125);
+    ASSERT_EQ(copy.get(), first) << "the copy that is held is used again";
+    EXPECT_EQ(copy->GetVariant(L"int32"), Value(5));
+    EXPECT_EQ(copy->GetVariant(L"int64"), Value(kLarge));
+    EXPECT_EQ(copy->GetVariant(L"text"), Value(L"12x"));
+    EXPECT_EQ(copy->GetVariant(L"missing"), Value());
+    EXPECT_EQ(copy->GetFieldById(3), 125);
   });
 }
 
 TEST_F(BaseDataRead, ACopyStaysAsItWas) {
   m_world.Run([this] {
-    CBaseData target(m_world.world);
-    ASSERT_TRUE(target.Attach(nullptr, nullptr));
-    const auto text = std::get<std::wstring>(m_record->GetValue(read_code::kNames, kCopySelector));
-    const Value content = m_record->GetValue(read_code::kContent, text);
-    const int32_t token = target.BeginWrite();
-    target.WriteValue(token, write_code::kClear, 255, {});
-    target.WriteValue(token, write_code::kContent, {}, content);
-    target.EndWrite(token);
+    const auto copy = CopyRecord(m_world.world, *m_record, nullptr);
+    ASSERT_NE(copy, nullptr) << "without a target a new record is made";
     m_world.Record({.name = L"R", .fields = {Field(L"int32", 6)}});
     EXPECT_EQ(m_record->GetInt(L"int32", 1), 6);
-    EXPECT_EQ(target.GetInt(L"int32", 1), 5);
+    EXPECT_EQ(copy->GetInt(L"int32", 1), 5);
+  });
+}
+
+TEST_F(BaseDataRead, ASourceWithNothingToCopyLeavesTheTargetAlone) {
+  m_world.Run([this] {
+    CBaseData nothing(m_world.world);
+    auto copy = CopyRecord(m_world.world, *m_record, nullptr);
+    copy = CopyRecord(m_world.world, nothing, std::move(copy));
+    ASSERT_NE(copy, nullptr);
+    EXPECT_EQ(copy->GetInt(L"int32", 1), 5);
+    EXPECT_EQ(CopyRecord(m_world.world, nothing, nullptr), nullptr);
   });
 }
 

@@ -46,11 +46,13 @@ class OpenLotteryEvents : public ReferenceTest {
     });
   }
 
-  /// A run that starts at once: afterwards the strategy is in state 2, and a hit waits for its batch.
+  /// A run that starts at once and whose stop time is this minute: afterwards the strategy is in state 2, and
+  /// a hit waits for its batch.
   void StartAtOnce(CStrategyOpenLottery& strategy, int cash) {
+    const std::string stopTime = std::to_string(ToTime4(m_runtime.LocalTime()));
     auto command = Json(R"({"Symbol":{"Security":"ND.O.SHFE.CU.202404","CP":"C"},"Start":{"Run":1},"Cash":)" +
-                        std::to_string(cash) +
-                        R"(,"Condition":{"OpenPrice":{"Dn":1,"Up":50},"StrikePrice":{"In":-1,"Out":-1}},)"
+                        std::to_string(cash) + R"(,"Stop":{"Time":)" + stopTime +
+                        R"(},"Condition":{"OpenPrice":{"Dn":1,"Up":50},"StrikePrice":{"In":-1,"Out":-1}},)"
                         R"("OrderPrice":{"Type":0,"Price":2}})");
     strategy.ParseStrategyInfo(command);
   }
@@ -65,17 +67,18 @@ class OpenLotteryEvents : public ReferenceTest {
   CRecordingEngine m_engine{m_host};
 };
 
-TEST_F(OpenLotteryEvents, ALimitReachedMakesAnyOtherStateIdle) {
+TEST_F(OpenLotteryEvents, ALimitReachedPassesThroughTheIdleStateAndEndsWithTheCancelsOut) {
   WithStrategy([this](CStrategyOpenLottery& strategy) {
     StartAtOnce(strategy, 0);
     EXPECT_THAT(LogOfBatch(strategy), Contains(EndsWith(L"> DoPlaceOrder. m_lStatus=2.")));
     strategy.OnStrategyEvent(lottery_event::kLimitReached, 0);
-    EXPECT_THAT(LogOfBatch(strategy), ElementsAre(EndsWith(L"> DoPlaceOrder. m_lStatus=-1.")));
+    EXPECT_THAT(m_host.log, Contains(EndsWith(L"> DoCancelOrderOpen. m_lStatus=-1.")));
+    EXPECT_THAT(LogOfBatch(strategy), Contains(EndsWith(L"> DoPlaceOrder. m_lStatus=6.")));
 
     strategy.OnStrategyEvent(lottery_event::kStop, 0);
     EXPECT_THAT(LogOfBatch(strategy), ElementsAre(EndsWith(L"> DoPlaceOrder. m_lStatus=-2.")));
     strategy.OnStrategyEvent(lottery_event::kLimitReached, 0);
-    EXPECT_THAT(LogOfBatch(strategy), ElementsAre(EndsWith(L"> DoPlaceOrder. m_lStatus=-1.")));
+    EXPECT_THAT(LogOfBatch(strategy), Contains(EndsWith(L"> DoPlaceOrder. m_lStatus=6.")));
   });
 }
 
@@ -125,7 +128,8 @@ TEST_F(OpenLotteryLateOption, ItsPassAsksForRoomBeforeItIsTold) {
 
 TEST_F(OpenLotteryLateOption, ItsPassAsksForNoRoomIfTheRunHasEndedMeanwhile) {
   OpenOptionInARun(
-      [](CStrategyOpenLottery& strategy) { strategy.OnStrategyEvent(lottery_event::kLimitReached, 0); });
+      // A minute tick in the minute of the stop time.
+      [](CStrategyOpenLottery& strategy) { strategy.Start(0); });
   EXPECT_THAT(m_postedWhenTold, ElementsAre(IsEmpty()));
   EXPECT_THAT(m_engine.posted, IsEmpty());
 }
