@@ -28,12 +28,15 @@ void WriteNumber(CJsonWriter& writer, const char* name, int64_t number) {
 }  // namespace
 
 void CDayTotals::Add(const Happening& happening) {
+  m_positions.Add(happening);
   if (const auto* started = std::get_if<StrategyStarted>(&happening)) {
     m_strategies[started->strategy].isGone = false;
   } else if (const auto* gone = std::get_if<StrategyGone>(&happening)) {
     m_strategies[gone->strategy].isGone = true;
   } else if (const auto* change = std::get_if<StateChanged>(&happening)) {
-    m_strategies[change->strategy].state = change->state;
+    Strategy& strategy = m_strategies[change->strategy];
+    strategy.state = change->state;
+    if (change->state == 0) strategy.ended.clear();  // a new run
   } else if (const auto* judged = std::get_if<OptionJudged>(&happening)) {
     m_strategies[judged->strategy].accepted += judged->accepted ? 1 : 0;
   } else if (const auto* order = std::get_if<OrderSent>(&happening)) {
@@ -43,6 +46,8 @@ void CDayTotals::Add(const Happening& happening) {
     strategy.lots += order->lots;
   } else if (const auto* batch = std::get_if<BatchPlaced>(&happening)) {
     m_strategies[batch->strategy].cash = batch->cash;
+  } else if (const auto* ended = std::get_if<RunEnded>(&happening)) {
+    m_strategies[ended->strategy].ended = ended->reason;
   } else if (std::holds_alternative<CancelSent>(happening)) {
     ++m_cancels;
   } else if (std::holds_alternative<FaultReported>(happening)) {
@@ -51,7 +56,7 @@ void CDayTotals::Add(const Happening& happening) {
 }
 
 std::string CDayTotals::Table() const {
-  std::string table;
+  std::string table = m_positions.Table();
   if (!m_strategies.empty()) {
     size_t keyWidth = 8, stateWidth = 5;
     for (const auto& [key, strategy] : m_strategies) {
@@ -59,14 +64,14 @@ std::string CDayTotals::Table() const {
       stateWidth = std::max(stateWidth, StateOf(strategy).size());
     }
     const auto line = [&](std::string_view key, std::string_view state, const auto& accepted,
-                          const auto& orders, const auto& lots, const auto& cash) {
-      table += fmt::format("{:<{}}  {:<{}}  {:>8}  {:>6}  {:>6}  {:>12}\n", key, keyWidth, state, stateWidth,
-                           accepted, orders, lots, cash);
+                          const auto& orders, const auto& lots, const auto& cash, std::string_view ended) {
+      table += fmt::format("{:<{}}  {:<{}}  {:>8}  {:>6}  {:>6}  {:>12}  {}\n", key, keyWidth, state,
+                           stateWidth, accepted, orders, lots, cash, ended);
     };
-    line("strategy", "state", "accepted", "orders", "lots", "cash");
+    line("strategy", "state", "accepted", "orders", "lots", "cash", "ended by");
     for (const auto& [key, strategy] : m_strategies) {
       line(key.empty() ? "-" : key, StateOf(strategy), strategy.accepted, strategy.orders, strategy.lots,
-           strategy.cash);
+           strategy.cash, strategy.ended.empty() ? "-" : strategy.ended);
     }
   }
   return table + fmt::format("{} orders, {} cancels, {} faults\n", m_orders, m_cancels, m_faults);
@@ -88,9 +93,11 @@ std::string CDayTotals::Json(const std::vector<std::string>& errors) const {
     WriteNumber(writer, "orders", strategy.orders);
     WriteNumber(writer, "lots", strategy.lots);
     WriteNumber(writer, "cash", strategy.cash);
+    WriteText(writer, "ended", strategy.ended);
     writer.EndObject();
   }
   writer.EndArray();
+  m_positions.WriteJson(writer);
   WriteNumber(writer, "orders", m_orders);
   WriteNumber(writer, "cancels", m_cancels);
   WriteNumber(writer, "faults", m_faults);

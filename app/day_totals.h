@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/happening.h"
+#include "app/position_totals.h"
 
 namespace iorder {
 
@@ -18,7 +19,8 @@ class CDayTotals {
     int64_t accepted = 0;
     int64_t orders = 0;
     int64_t lots = 0;
-    int64_t cash = 0;  ///< of its last batch
+    int64_t cash = 0;   ///< of its last batch
+    std::string ended;  ///< what ended its last run; empty if it hasn't ended
   };
 
   void Add(const Happening& happening);
@@ -35,6 +37,7 @@ class CDayTotals {
 
  private:
   std::map<std::string, Strategy> m_strategies;
+  CPositionTotals m_positions;
   int64_t m_orders = 0;
   int64_t m_cancels = 0;
   int64_t m_faults = 0;

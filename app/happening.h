@@ -76,8 +76,73 @@ struct FaultReported {
   std::string text;
 };
 
+/// An order was filled, in part or whole.
+struct OrderFilled {
+  std::string strategy;
+  std::string symbol;
+  std::string report;
+  bool closes = false;
+  int64_t lots = 0;       ///< of this fill
+  ScaledValue price = 0;  ///< of this fill
+  int64_t filled = 0;     ///< of the order so far
+  int64_t sent = 0;
+};
+
+/// What a strategy holds of a symbol in one of its runs, as the engine counts it.
+struct PositionChanged {
+  std::string strategy;
+  std::string run;  ///< stamp of the run
+  std::string symbol;
+  int64_t bought = 0;
+  std::optional<double> boughtAt;  ///< average
+  int64_t sold = 0;
+  std::optional<double> soldAt;
+  int64_t held = 0;
+
+  bool operator==(const PositionChanged&) const = default;
+};
+
+/// A position was valued at a new price; profit in money.
+struct PositionValued {
+  std::string strategy;
+  std::string run;
+  std::string symbol;
+  double last = 0;
+  double profit = 0;
+};
+
+/// What all strategies of a tag come to, in money.
+struct TagTotalChanged {
+  std::string tag;
+  int64_t cost = 0;
+  double profit = 0;
+};
+
+/// The profit or loss of a tag has reached its limit. Both are money, or percent of the cost.
+struct LimitReached {
+  std::string tag;
+  std::string side;  ///< profit or loss
+  bool isPercent = false;
+  std::string reached;  ///< decimal
+  std::string limit;
+};
+
+/// What ended a strategy's run: stop time, stop command, profit limit or loss limit.
+struct RunEnded {
+  std::string strategy;
+  std::string reason;
+};
+
+/// Money of one price point of a symbol.
+struct WeightKnown {
+  std::string symbol;
+  int64_t weight = 1;
+};
+
 /// Something that a trader wants to know, read from what the engine sends and logs.
-using Happening = std::variant<OrderSent, CancelSent, OptionJudged, OrderAnswered, StateChanged,
-                               StrategyStarted, StrategyGone, BatchPlaced, CommandRefused, FaultReported>;
+using Happening =
+    std::variant<OrderSent, CancelSent, OptionJudged, OrderAnswered, StateChanged, StrategyStarted,
+                 StrategyGone, BatchPlaced, OrderFilled, PositionChanged, PositionValued, TagTotalChanged,
+                 LimitReached, RunEnded, WeightKnown, CommandRefused, FaultReported>;
 
 }  // namespace iorder

@@ -2,9 +2,10 @@
 
 #include <rapidjson/document.h>
 
-#include <charconv>
+#include <algorithm>
 #include <optional>
 
+#include "app/text_fields.h"
 #include "records/json_document.h"
 
 namespace iorder {
@@ -19,30 +20,6 @@ bool TakePrefix(std::string_view& text, std::string_view prefix) {
   if (!text.starts_with(prefix)) return false;
   text.remove_prefix(prefix.size());
   return true;
-}
-
-/// What stands between `before` and `after`; to the end of the text if `after` isn't there. None without
-/// `before`.
-std::optional<std::string_view> Between(std::string_view text, std::string_view before,
-                                        std::string_view after) {
-  const size_t begin = text.find(before);
-  if (begin == std::string_view::npos) return std::nullopt;
-  text.remove_prefix(begin + before.size());
-  return text.substr(0, text.find(after));
-}
-
-std::optional<int64_t> ReadInteger(std::string_view text) {
-  int64_t number = 0;
-  const char* const end = text.data() + text.size();
-  const auto [next, error] = std::from_chars(text.data(), end, number);
-  if (error != std::errc() || next != end) return std::nullopt;
-  return number;
-}
-
-std::optional<int64_t> IntegerBetween(std::string_view text, std::string_view before,
-                                      std::string_view after) {
-  const std::optional<std::string_view> number = Between(text, before, after);
-  return number ? ReadInteger(*number) : std::nullopt;
 }
 
 /// The value of a key in a comma-separated KEY=VALUE text; empty if it isn't there.
@@ -73,18 +50,6 @@ OrderSent ReadOrder(std::string_view text) {
   return order;
 }
 
-std::string TextOf(const rapidjson::Value& object, std::string_view name) {
-  const rapidjson::Value* const member = FindMember(object, name);
-  if (member == nullptr || !member->IsString()) return "";
-  return {member->GetString(), member->GetStringLength()};
-}
-
-std::optional<int64_t> IntegerOf(const rapidjson::Value& object, std::string_view name) {
-  const rapidjson::Value* const member = FindMember(object, name);
-  if (member == nullptr || !member->IsInt64()) return std::nullopt;
-  return member->GetInt64();
-}
-
 }  // namespace
 
 void CHappeningReader::OnCommand(std::string_view topic, std::string_view text) {
@@ -95,6 +60,8 @@ void CHappeningReader::OnCommand(std::string_view topic, std::string_view text) 
   } else if (topic == "MSG.NewStrategyOrder") {
     // The same text goes out on a second topic.
     OnMessage(text);
+  } else if (topic == "API_MSG.NewStrategyOrder" && text.find("\"TotalProfit\"") != std::string_view::npos) {
+    m_positions.OnTotal(text);
   }
 }
 
@@ -115,8 +82,10 @@ void CHappeningReader::OnMessage(std::string_view json) {
     const int64_t result = IntegerOf(*data, "Result").value_or(0);
     const int64_t action = IntegerOf(*data, "Action").value_or(0);
     // An announcement: the order or cancel itself follows.
-    const bool announces = FindMember(*data, "Qty") != nullptr || action == 3;
+    const bool announces = FindMember(*data, "Date") != nullptr;
     if (!announces) m_tell(OrderAnswered{strategy, TextOf(*data, "Symbol"), action, result});
+  } else {
+    m_positions.OnMessage(strategy, kind, *data);
   }
 }
 
@@ -137,19 +106,25 @@ void CHappeningReader::OnLog(std::string_view text) {
     if (m_states.erase(strategy) != 0) m_tell(StrategyGone{strategy});
   } else if (text.starts_with("JSON Parse Fail! ")) {
     m_tell(CommandRefused{std::string(Between(text, "JSON Parse Fail! ", ", strOrderInfo=").value_or(""))});
+  } else {
+    m_positions.OnLog(text);
   }
 }
 
 void CHappeningReader::OnStrategyLog(const std::string& strategy, std::string_view text) {
+  m_positions.OnStrategyLog(strategy, text);
   if (text.starts_with("Reset. ")) {
+    m_ending.erase(strategy);
     ChangeState(strategy, 0);
   } else if (text.starts_with("TimeStamp=")) {
     ChangeState(strategy, 1);
   } else if (text == "Start. m_lStatus=1.") {
     ChangeState(strategy, 2);
   } else if (text == "Wait Reset.") {
+    m_ending.insert(strategy);
     ChangeState(strategy, -1);
   } else if (text == "Stop.") {
+    m_ending.insert(strategy);
     ChangeState(strategy, -2);
   } else if (text.starts_with("DoPlaceOrder Done. ")) {
     if (const auto cash = IntegerBetween(text, "llTotalCashOrder=", "."))
@@ -157,6 +132,12 @@ void CHappeningReader::OnStrategyLog(const std::string& strategy, std::string_vi
     if (const auto state = IntegerBetween(text, "m_lStatus=", ",")) ChangeState(strategy, *state);
   } else if (text.starts_with("DoPlaceOrder. m_lStatus=") || text.starts_with("Start. m_lStatus=")) {
     if (const auto state = IntegerBetween(text, "m_lStatus=", ".")) ChangeState(strategy, *state);
+  } else if (text.starts_with("DoCancelOrderOpen Done. ")) {
+    // At a stop the state that the cancels leave lasts for a moment only, and what follows isn't logged.
+    const auto state = IntegerBetween(text, "m_lStatus=", ".");
+    if (state && !m_ending.contains(strategy)) ChangeState(strategy, *state);
+  } else if (text.starts_with("OnReportUpdate. ")) {
+    if (const auto state = IntegerBetween(text, "m_lStatus=", ",")) ChangeState(strategy, *state);
   }
 }
 

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <optional>
+
 #include "app/symbol_words.h"
 #include "records/json_document.h"
 
@@ -33,7 +35,9 @@ std::string OrderWords(const OrderSent& order) {
 }
 
 std::string AnswerWords(const OrderAnswered& answer) {
-  const char* const what = answer.action == 2 ? "close order" : "order";
+  const char* const what = answer.action == 2                         ? "close order"
+                           : answer.action == 3 && answer.result != 3 ? "cancel"
+                                                                      : "order";
   const std::string symbol = SymbolWords(answer.symbol);
   switch (answer.result) {
     case -101:
@@ -42,7 +46,7 @@ std::string AnswerWords(const OrderAnswered& answer) {
     case -2:
       return fmt::format("rejected      {} for {}", what, symbol);
     case 1:
-      return fmt::format("working       {} for {}", what, symbol);
+      return fmt::format("reported      {} for {}", what, symbol);
     case 2:
       return fmt::format("filled        {} for {}", what, symbol);
     case 3:
@@ -50,6 +54,25 @@ std::string AnswerWords(const OrderAnswered& answer) {
     default:
       return fmt::format("answer {:<6} {} for {}", answer.result, what, symbol);
   }
+}
+
+std::string FillWords(const OrderFilled& fill) {
+  return fmt::format("filled        {} {} {} at {}, {} of {}", fill.closes ? "sold" : "bought", fill.lots,
+                     SymbolWords(fill.symbol), DecimalText(fill.price), fill.filled, fill.sent);
+}
+
+std::string PositionWords(const PositionChanged& position) {
+  std::string words = fmt::format("position      {}: {} holds {}, bought {}", position.strategy,
+                                  SymbolWords(position.symbol), position.held, position.bought);
+  if (position.boughtAt) words += " at " + PriceText(*position.boughtAt);
+  if (position.sold > 0) words += fmt::format(", sold {}", position.sold);
+  if (position.sold > 0 && position.soldAt) words += " at " + PriceText(*position.soldAt);
+  return words;
+}
+
+std::string LimitWords(const LimitReached& limit) {
+  return fmt::format("limit         {}: the {} limit of {} is reached with {}{}", limit.tag, limit.side,
+                     limit.limit, limit.reached, limit.isPercent ? " percent of the cost" : "");
 }
 
 /// The members of one JSON object, written in their order.
@@ -66,6 +89,14 @@ class CMembers {
   void Number(std::string_view name, int64_t number) {
     Name(name);
     m_writer.Int64(number);
+  }
+  void Double(std::string_view name, std::optional<double> number) {
+    Name(name);
+    if (number) {
+      m_writer.Double(*number);
+    } else {
+      m_writer.Null();
+    }
   }
   void Flag(std::string_view name, bool flag) {
     Name(name);
@@ -157,6 +188,67 @@ void Write(CMembers& members, const BatchPlaced& batch) {
   members.Number("cash", batch.cash);
 }
 
+void Write(CMembers& members, const OrderFilled& fill) {
+  members.Text("kind", "fill");
+  members.Text("strategy", fill.strategy);
+  members.Text("symbol", fill.symbol);
+  members.Text("report", fill.report);
+  members.Flag("closes", fill.closes);
+  members.Number("lots", fill.lots);
+  members.Digits("price", DecimalText(fill.price));
+  members.Number("filled", fill.filled);
+  members.Number("sent", fill.sent);
+}
+
+void Write(CMembers& members, const PositionChanged& position) {
+  members.Text("kind", "position");
+  members.Text("strategy", position.strategy);
+  members.Text("run", position.run);
+  members.Text("symbol", position.symbol);
+  members.Number("bought", position.bought);
+  members.Double("bought_at", position.boughtAt);
+  members.Number("sold", position.sold);
+  members.Double("sold_at", position.soldAt);
+  members.Number("held", position.held);
+}
+
+void Write(CMembers& members, const PositionValued& valued) {
+  members.Text("kind", "profit");
+  members.Text("strategy", valued.strategy);
+  members.Text("run", valued.run);
+  members.Text("symbol", valued.symbol);
+  members.Double("last", valued.last);
+  members.Double("profit", valued.profit);
+}
+
+void Write(CMembers& members, const TagTotalChanged& total) {
+  members.Text("kind", "total");
+  members.Text("tag", total.tag);
+  members.Number("cost", total.cost);
+  members.Double("profit", total.profit);
+}
+
+void Write(CMembers& members, const LimitReached& limit) {
+  members.Text("kind", "limit");
+  members.Text("tag", limit.tag);
+  members.Text("side", limit.side);
+  members.Flag("percent", limit.isPercent);
+  members.Digits("reached", limit.reached);
+  members.Digits("limit", limit.limit);
+}
+
+void Write(CMembers& members, const RunEnded& ended) {
+  members.Text("kind", "ended");
+  members.Text("strategy", ended.strategy);
+  members.Text("by", ended.reason);
+}
+
+void Write(CMembers& members, const WeightKnown& known) {
+  members.Text("kind", "weight");
+  members.Text("symbol", known.symbol);
+  members.Number("weight", known.weight);
+}
+
 void Write(CMembers& members, const CommandRefused& refused) {
   members.Text("kind", "refused");
   members.Text("reason", refused.reason);
@@ -217,6 +309,24 @@ std::string Words(const Happening& happening) {
           [](const StrategyGone& gone) { return "strategy      " + gone.strategy + " is gone"; },
           [](const BatchPlaced& batch) {
             return fmt::format("batch         {}: the orders cost {}", batch.strategy, batch.cash);
+          },
+          [](const OrderFilled& fill) { return FillWords(fill); },
+          [](const PositionChanged& position) { return PositionWords(position); },
+          [](const PositionValued& valued) {
+            return fmt::format("profit        {}: {} at {}, {}", valued.strategy, SymbolWords(valued.symbol),
+                               PriceText(valued.last), MoneyText(valued.profit));
+          },
+          [](const TagTotalChanged& total) {
+            return fmt::format("total         {}: cost {}, profit {}", total.tag, total.cost,
+                               MoneyText(total.profit));
+          },
+          [](const LimitReached& limit) { return LimitWords(limit); },
+          [](const RunEnded& ended) {
+            return fmt::format("end           {}: by {}", ended.strategy, ended.reason);
+          },
+          [](const WeightKnown& known) {
+            return fmt::format("weight        {}: a point is worth {}", SymbolWords(known.symbol),
+                               known.weight);
           },
           [](const CommandRefused& refused) {
             return "not readable  the command isn't JSON: " + refused.reason;

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "app/command_line.h"
+#include "app/day_tables.h"
 #include "app/day_totals.h"
 #include "app/happening_text.h"
 #include "app/output_place.h"
@@ -33,6 +34,8 @@ struct Arguments {
   std::vector<std::string> commands;
   std::string trace;
   std::string log;
+  std::string tables;
+  int64_t profitEvery = 60;
   bool inputs = false;
   bool json = false;
   RunArguments run;
@@ -106,15 +109,42 @@ struct TraceFile {
   CTraceWriter writer;
 };
 
-/// Who reads on sees each line as it happens.
-void Print(bool json, const std::string& at, const Happening& happening) {
-  if (json) {
-    std::cout << Json(at, happening) << std::endl;
-  } else {
-    // The time of day is enough for a reader.
-    std::cout << at.substr(11) << "  " << Words(happening) << std::endl;
+/// Prints happenings, so that who reads on sees each line as it happens. As JSON all of them; in words what
+/// changes with each quote, profit and totals, at most once in so many seconds for each position and tag.
+class CPrinter {
+ public:
+  CPrinter(bool json, int64_t profitEvery) : m_json(json), m_profitEvery(profitEvery * 1000) {}
+
+  void Print(const std::string& at, const Happening& happening) {
+    if (m_json) {
+      std::cout << Json(at, happening) << std::endl;
+    } else if (IsWanted(at, happening)) {
+      // The time of day is enough for a reader.
+      std::cout << at.substr(11) << "  " << Words(happening) << std::endl;
+    }
   }
-}
+
+ private:
+  bool IsWanted(const std::string& at, const Happening& happening) {
+    if (std::holds_alternative<WeightKnown>(happening)) return false;
+    if (const auto* valued = std::get_if<PositionValued>(&happening))
+      return IsDue(at, valued->strategy + ' ' + valued->symbol);
+    if (const auto* total = std::get_if<TagTotalChanged>(&happening)) return IsDue(at, total->tag);
+    return true;
+  }
+  bool IsDue(const std::string& at, const std::string& what) {
+    const std::optional<LocalTime> now = ParseLocalTime(at);
+    if (!now) return true;
+    const auto [last, isNew] = m_lastTold.try_emplace(what, *now);
+    if (!isNew && (*now - last->second).count() < m_profitEvery) return false;
+    last->second = *now;
+    return true;
+  }
+
+  const bool m_json;
+  const int64_t m_profitEvery;  ///< ms
+  std::map<std::string, LocalTime> m_lastTold;
+};
 
 void PrintTotals(bool json, const CDayTotals& totals, const std::vector<std::string>& errors) {
   if (json) {
@@ -157,14 +187,18 @@ int Run(const Arguments& arguments) {
 
   CStatusLine status;
   CDayTotals totals;
-  CHappeningListener printer([&](const std::string& at, const Happening& happening) {
+  std::optional<CDayTables> tables;
+  if (!arguments.tables.empty()) tables.emplace(arguments.tables);
+  CPrinter printer(arguments.json, arguments.profitEvery);
+  CHappeningListener happenings([&](const std::string& at, const Happening& happening) {
     totals.Add(happening);
-    status.Above([&] { Print(arguments.json, at, happening); });
+    if (tables) tables->Add(at, happening);
+    status.Above([&] { printer.Print(at, happening); });
   });
   CDayClock clock(day);
   std::optional<TraceFile> trace;
   std::optional<CLogWriter> log;
-  std::vector<ITerminalListener*> listeners = {&printer, &clock};
+  std::vector<ITerminalListener*> listeners = {&happenings, &clock};
   if (!arguments.trace.empty()) listeners.push_back(&trace.emplace(arguments.trace, arguments.inputs).writer);
   if (!arguments.log.empty()) listeners.push_back(&log.emplace(arguments.log));
 
@@ -173,6 +207,7 @@ int Run(const Arguments& arguments) {
   status.Clear();
   if (trace) trace->Commit();
   if (log) log->Commit();
+  if (tables) tables->Commit();
 
   PrintTotals(arguments.json, totals, errors);
   for (const std::string& error : errors) std::cerr << "iorder: " << arguments.day << ": " << error << '\n';
@@ -200,6 +235,16 @@ void AddReplayCommand(CLI::App& program, Job& job) {
   command->add_flag("--inputs", arguments->inputs, "Let the trace show what the terminal did too")
       ->needs(trace);
   command->add_option("--log", arguments->log, "Write the lines of the engine's log")->type_name("FILE");
+  command
+      ->add_option("--csv", arguments->tables,
+                   "Write orders, fills, positions and the profit curve as tables into this folder")
+      ->type_name("DIR");
+  command
+      ->add_option("--profit-every", arguments->profitEvery,
+                   "Print profit and totals at most once in so many seconds of the day; 0: each change")
+      ->type_name("SECONDS")
+      ->check(WholeNumber(0, 86400))
+      ->capture_default_str();
   command->add_flag("--json", arguments->json, "Print one JSON object a line, and a closing one");
   AddRunOptions(*command, arguments->run);
   command
@@ -212,6 +257,7 @@ void AddReplayCommand(CLI::App& program, Job& job) {
       "  iorder replay made-1.day.jsonl --command examples/commands/calls-in-a-band.json --trace "
       "x.trace.jsonl\n"
       "  iorder replay made-1.day.jsonl --command buy.json@08:40 --command stop.json@10:30:00 --json\n"
+      "  iorder replay made-1.day.jsonl --command buy.json@08:50 --csv tables --profit-every 600\n"
       "  iorder replay made-1.day.jsonl --command - --clock native --speed 60 < buy.json"));
   command->callback([&job, arguments] { job = [arguments] { return Run(*arguments); }; });
 }

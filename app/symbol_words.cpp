@@ -61,4 +61,16 @@ std::string DecimalText(ScaledValue value) {
   return text;
 }
 
+std::string PriceText(double price) {
+  std::string text = fmt::format("{:.6f}", price);
+  text.erase(text.find_last_not_of('0') + 1);
+  if (text.back() == '.') text.pop_back();
+  return text == "-0" ? "0" : text;
+}
+
+std::string MoneyText(double money) {
+  const std::string text = fmt::format("{:.2f}", money);
+  return text == "-0.00" ? "0.00" : text;
+}
+
 }  // namespace iorder

@@ -14,4 +14,9 @@ std::string SymbolWords(std::string_view symbol);
 /// The decimal that a scaled value stands for, exactly and without trailing zeros; "none" for NoValue.
 std::string DecimalText(ScaledValue value);
 
+/// A price or an average, to six places and without trailing zeros.
+std::string PriceText(double price);
+/// Money, to two places.
+std::string MoneyText(double money);
+
 }  // namespace iorder

@@ -88,6 +88,19 @@ TEST_F(HappeningTest, AnAnnouncementIsNoAnswer) {
   EXPECT_THAT(words, ElementsAre("refused       order for X: the account isn't connected"));
 }
 
+TEST_F(HappeningTest, ACancelIsAnnouncedAndAnswered) {
+  const std::string begin =
+      R"({"StrategyType":"OpenLottery","StrategyTag":"S1","StrategyID":"S1","StrategySN":"1","MsgType":"Order","Data":)";
+  reader.OnCommand(
+      "MSG.NewStrategyOrder",
+      begin + R"({"Stamp":"0","Symbol":"X","Date":20240304,"Time":84500,"Result":0,"Action":3}})");
+  EXPECT_THAT(words, IsEmpty());
+  reader.OnCommand("MSG.NewStrategyOrder", begin + R"({"Stamp":"0","Symbol":"X","Result":-101,"Action":3}})");
+  reader.OnCommand("MSG.NewStrategyOrder", begin + R"({"Stamp":"0","Symbol":"X","Result":3,"Action":3}})");
+  EXPECT_THAT(words, ElementsAre("refused       cancel for X: the account isn't connected",
+                                 "cancelled     order for X"));
+}
+
 TEST_F(HappeningTest, StatesAreReadFromTheLog) {
   Log("[OpenLottery] Start. strStrategyKey=OpenLottery_S1_1, idx=0, pStrategy=1.");
   StrategyLog("AfterParseOrderInfo. StartRun=NO, hhmm=830.");
@@ -105,6 +118,7 @@ TEST_F(HappeningTest, StatesAreReadFromTheLog) {
                                  "state         OpenLottery_S1_1: running, no orders out",
                                  "batch         OpenLottery_S1_1: the orders cost 3400",
                                  "state         OpenLottery_S1_1: orders are out",
+                                 "end           OpenLottery_S1_1: by stop time",
                                  "state         OpenLottery_S1_1: not running",
                                  "state         OpenLottery_S1_1: stopped by command",
                                  "strategy      OpenLottery_S1_1 is gone"));
@@ -131,13 +145,114 @@ TEST_F(HappeningTest, TheTableClosesTheDay) {
   StrategyLog("DoPlaceOrder Done. m_lStatus=4, llTotalCashOrder=1875.");
   reader.OnFault("timer 200", "0x80070057", "index");
   EXPECT_EQ(totals.Table(),
-            "strategy          state           accepted  orders    lots          cash\n"
-            "OpenLottery_S1_1  orders are out         0       1       3          1875\n"
+            "strategy          state           accepted  orders    lots          cash  ended by\n"
+            "OpenLottery_S1_1  orders are out         0       1       3          1875  -\n"
             "1 orders, 0 cancels, 1 faults\n");
   EXPECT_EQ(
       totals.Json({"deadlock"}),
       R"({"kind":"end","strategies":[{"strategy":"OpenLottery_S1_1","state":4,"words":"orders are out",)"
-      R"("accepted":0,"orders":1,"lots":3,"cash":1875}],"orders":1,"cancels":0,"faults":1,"errors":["deadlock"]})");
+      R"("accepted":0,"orders":1,"lots":3,"cash":1875,"ended":""}],"positions":[],"tags":[],)"
+      R"("orders":1,"cancels":0,"faults":1,"errors":["deadlock"]})");
+}
+
+/// Reports of two orders, their positions and their profit, as the engine tells them.
+class PositionHappeningTest : public HappeningTest {
+ protected:
+  void Report(const std::string& id, int lots, const std::string& average, int sent, int action) {
+    StrategyLog("OnReportUpdate. strSymbol=ND.O.TWF.TX.202403.C.18000, strReportID=" + id +
+                ", lExecType=6, llPrice=150000000000, llAvgPrice=" + average +
+                ", lOrderType=2, m_lStatus=8, lSendQty=" + std::to_string(sent) +
+                ", lCumQty=" + std::to_string(lots) +
+                ", lLeavesQty=0, lPositionEffect=0, lAction=" + std::to_string(action) + ", m_strStamp=0.");
+  }
+  void Message(const std::string& kind, const std::string& members) {
+    reader.OnCommand("MSG.NewStrategyOrder",
+                     R"({"StrategyType":"OpenLottery","StrategyTag":"T","StrategyID":"S1","StrategySN":"1",)"
+                     R"("MsgType":")" +
+                         kind + R"(","Data":{"Stamp":"0","Symbol":"ND.O.TWF.TX.202403.C.18000",)" + members +
+                         "}}");
+  }
+  void Total(const std::string& data) {
+    reader.OnCommand(
+        "API_MSG.NewStrategyOrder",
+        R"({"StrategyType":"OpenLottery","StrategyTag":"T","MsgType":"TotalProfit","Data":)" + data + "}");
+  }
+};
+
+TEST_F(PositionHappeningTest, EachFillHasItsOwnPrice) {
+  Report("R1", 1, "150000000000", 3, 1);
+  words.clear();  // the state that shows with it
+  Report("R1", 3, "145000000000", 3, 1);
+  Report("R1", 3, "145000000000", 3, 1);
+  Report("R1", 2, "145000000000", 3, 1);
+  Report("R2", 2, "160000000000", 2, 2);
+  EXPECT_THAT(words, ElementsAre("filled        bought 2 TX Mar24 18000 call at 14.25, 3 of 3",
+                                 "filled        sold 2 TX Mar24 18000 call at 16, 2 of 2"));
+}
+
+TEST_F(PositionHappeningTest, APositionIsToldWhenItChanges) {
+  const char* const bought =
+      R"("UpdateDate":20240304,"UpdateTime":84500,"CumQty":3,"AvgPrice":14.5,"LeavesQty":0,"ExecType":3,"Position":3)";
+  Message("Report", bought);
+  Message("Report", bought);
+  Message("Report",
+          R"("UpdateDate":20240304,"UpdateTime":84500,"CloseAvgPrice":16.0,"CloseQty":2,"Position":1)");
+  Message("Report", R"("UpdateDate":20240304,"UpdateTime":84500,"Qty":3,"LeavesQty":3,"ExecType":0)");
+  EXPECT_THAT(words,
+              ElementsAre("position      OpenLottery_S1_1: TX Mar24 18000 call holds 3, bought 3 at 14.5",
+                          "position      OpenLottery_S1_1: TX Mar24 18000 call holds 1, bought 3 at 14.5, "
+                          "sold 2 at 16"));
+}
+
+TEST_F(PositionHappeningTest, ALimitIsToldOnceAndEndsTheRun) {
+  const auto fire = [this](const std::string& line) {
+    Log("[OpenLottery] CalPositionProfit." + line);
+    Log("[OpenLottery] CalPositionProfit.ClosPos. strStrategyID=S1, strStrStrategyTag=T, "
+        "m_strStrStrategySN=1.");
+  };
+  fire("P. strStrategyTag=T, dbTotalPnL=1425.000000, llProfitValue=500.");
+  fire("P. strStrategyTag=T, dbTotalPnL=1525.000000, llProfitValue=500.");
+  EXPECT_THAT(words, ElementsAre("limit         T: the profit limit of 500 is reached with 1425",
+                                 "end           OpenLottery_S1_1: by profit limit"));
+  words.clear();
+  StrategyLog("Reset. strRoot={}.");
+  words.clear();
+  fire("LP. strStrategyTag=T, dbTotalPnLP=12.500000, dbLossValueP=10.000000.");
+  EXPECT_THAT(words,
+              ElementsAre("limit         T: the loss limit of 10 is reached with 12.5 percent of the cost",
+                          "end           OpenLottery_S1_1: by loss limit"));
+}
+
+TEST_F(PositionHappeningTest, TheTablesOfPositionsAndTagsCloseTheDay) {
+  Log("GetStringFromSecurity. SymbolID=ND.O.TWF.TX, strMapKey=ND.O.TWF.TX.202403.C.18000:Weight, "
+      "strResult=50.");
+  Message(
+      "Report",
+      R"("UpdateDate":20240304,"UpdateTime":84500,"CumQty":3,"AvgPrice":14.5,"LeavesQty":0,"ExecType":3,"Position":3)");
+  Message("Report",
+          R"("UpdateDate":20240304,"UpdateTime":84500,"CloseAvgPrice":16.0,"CloseQty":2,"Position":1)");
+  Message("Profit", R"("Last":12.0,"PnL":-125.0)");
+  Total(R"({"Cost":2175,"PnL":-125.0})");
+  StrategyLog("Wait Reset.");
+  EXPECT_EQ(
+      totals.Table(),
+      "strategy          run  symbol               bought  average  sold  average  held  last  realised     "
+      "open     cost\n"
+      "OpenLottery_S1_1  0    TX Mar24 18000 call       3     14.5     2       16     1    12    150.00  "
+      "-125.00  2175.00\n"
+      "\n"
+      "tag  cost   profit\n"
+      "T    2175  -125.00\n"
+      "\n"
+      "strategy          state        accepted  orders    lots          cash  ended by\n"
+      "OpenLottery_S1_1  not running         0       0       0             0  stop time\n"
+      "0 orders, 0 cancels, 0 faults\n");
+  EXPECT_THAT(totals.Json({}),
+              HasSubstr(R"("positions":[{"strategy":"OpenLottery_S1_1","run":"0",)"
+                        R"("symbol":"ND.O.TWF.TX.202403.C.18000","bought":3,"bought_at":14.5,)"
+                        R"("sold":2,"sold_at":16.0,"held":1,"last":12.0,"realised":150.0,)"
+                        R"("open":-125.0,"cost":2175.0}],"tags":[{"tag":"T","cost":2175,)"
+                        R"("profit":-125.0}])"));
 }
 
 }  // namespace

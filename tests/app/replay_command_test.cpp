@@ -48,11 +48,11 @@ TEST_F(Replay, PrintsOrdersAndTheClosingTable) {
               HasSubstr("08:47:00.050  order         buy 3 TX Mar24 17700 call at 15, account B1/A1\n"
                         "08:47:00.050  order         buy 2 TX Mar24 17600 call at 15, account B1/A1\n"));
   EXPECT_THAT(output, HasSubstr("08:48:30.000  rejected      TX Mar24 17800 call opened at 9.0\n"));
-  EXPECT_THAT(output,
-              testing::EndsWith("\n"
-                                "strategy          state        accepted  orders    lots          cash\n"
-                                "OpenLottery_S1_1  not running         2       2       5          3750\n"
-                                "2 orders, 0 cancels, 0 faults\n"));
+  EXPECT_THAT(output, testing::EndsWith(
+                          "\n"
+                          "strategy          state        accepted  orders    lots          cash  ended by\n"
+                          "OpenLottery_S1_1  not running         2       2       5          3750  stop time\n"
+                          "2 orders, 0 cancels, 0 faults\n"));
 }
 
 TEST_F(Replay, AsJsonEveryLineIsAnObject) {
@@ -68,7 +68,7 @@ TEST_F(Replay, AsJsonEveryLineIsAnObject) {
   EXPECT_EQ(
       lines.back(),
       R"({"kind":"end","strategies":[{"strategy":"OpenLottery_S1_1","state":-1,"words":"not running","accepted":2,)"
-      R"("orders":2,"lots":5,"cash":3750}],"orders":2,"cancels":0,"faults":0,"errors":[]})");
+      R"("orders":2,"lots":5,"cash":3750,"ended":"stop time"}],"positions":[],"tags":[{"tag":"S1","cost":0,"profit":0.0}],"orders":2,"cancels":0,"faults":0,"errors":[]})");
 }
 
 TEST_F(Replay, ACommandComesAtItsTime) {

@@ -1,0 +1,81 @@
+#include "app/day_tables.h"
+
+#include <fmt/format.h>
+
+#include "app/symbol_words.h"
+#include "terminal/input_error.h"
+
+namespace iorder {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path MadeFolder(const fs::path& folder) {
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) throw InputError(folder.string() + ": can't be made: " + error.message());
+  return folder;
+}
+
+/// A cell; one that holds a comma, a quote or an end of line is quoted.
+std::string Cell(const std::string& text) {
+  if (text.find_first_of(",\"\n\r") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (const char c : text) {
+    if (c == '"') quoted += '"';
+    quoted += c;
+  }
+  return quoted + '"';
+}
+
+std::string PriceOrNone(const std::optional<double>& price) {
+  return price ? PriceText(*price) : "";
+}
+
+}  // namespace
+
+CDayTables::CDayTables(const fs::path& folder)
+    : m_orders(MadeFolder(folder) / "orders.csv"),
+      m_fills(folder / "fills.csv"),
+      m_positions(folder / "positions.csv"),
+      m_profit(folder / "profit.csv") {
+  m_orders.Write("at,strategy,account,symbol,side,lots,price,closes\n");
+  m_fills.Write("at,strategy,symbol,report,side,lots,price,filled,sent\n");
+  m_positions.Write("at,strategy,run,symbol,bought,bought_at,sold,sold_at,held\n");
+  m_profit.Write("at,tag,cost,profit\n");
+}
+
+void CDayTables::Add(const std::string& at, const Happening& happening) {
+  if (!m_error.empty()) return;
+  try {
+    Write(at, happening);
+  } catch (const InputError& error) {
+    m_error = error.what();
+  }
+}
+
+void CDayTables::Write(const std::string& at, const Happening& happening) {
+  if (const auto* order = std::get_if<OrderSent>(&happening)) {
+    const std::string price = order->price ? DecimalText(*order->price) : order->priceWords;
+    m_orders.Write(fmt::format("{},{},{},{},{},{},{},{}\n", at, Cell(order->strategy), Cell(order->account),
+                               Cell(order->symbol), Cell(order->side), order->lots, Cell(price),
+                               order->closes ? 1 : 0));
+  } else if (const auto* fill = std::get_if<OrderFilled>(&happening)) {
+    m_fills.Write(fmt::format("{},{},{},{},{},{},{},{},{}\n", at, Cell(fill->strategy), Cell(fill->symbol),
+                              Cell(fill->report), fill->closes ? 'S' : 'B', fill->lots,
+                              DecimalText(fill->price), fill->filled, fill->sent));
+  } else if (const auto* position = std::get_if<PositionChanged>(&happening)) {
+    m_positions.Write(fmt::format("{},{},{},{},{},{},{},{},{}\n", at, Cell(position->strategy), position->run,
+                                  Cell(position->symbol), position->bought, PriceOrNone(position->boughtAt),
+                                  position->sold, PriceOrNone(position->soldAt), position->held));
+  } else if (const auto* total = std::get_if<TagTotalChanged>(&happening)) {
+    m_profit.Write(fmt::format("{},{},{},{}\n", at, Cell(total->tag), total->cost, MoneyText(total->profit)));
+  }
+}
+
+void CDayTables::Commit() {
+  if (!m_error.empty()) throw InputError(m_error);
+  for (COutputFile* const file : {&m_orders, &m_fills, &m_positions, &m_profit}) file->Commit();
+}
+
+}  // namespace iorder

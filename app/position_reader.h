@@ -1,0 +1,52 @@
+#pragma once
+
+#include <rapidjson/document.h>
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <tuple>
+
+#include "app/happening.h"
+
+namespace iorder {
+
+/// Reads fills, positions, profit and limits from the engine's messages and log lines. What repeats tells
+/// nothing new. Not for several threads at once.
+class CPositionReader {
+ public:
+  explicit CPositionReader(std::function<void(const Happening&)> tell) : m_tell(std::move(tell)) {}
+
+  /// A message of a strategy: its kind and body.
+  void OnMessage(const std::string& strategy, const std::string& kind, const rapidjson::Value& data);
+  /// "TotalProfit", which names a tag in place of a strategy.
+  void OnTotal(std::string_view json);
+  /// A line of a strategy, behind its key.
+  void OnStrategyLog(const std::string& strategy, std::string_view text);
+  /// A line of the engine itself.
+  void OnLog(std::string_view text);
+
+ private:
+  /// Strategy, run, symbol.
+  using PositionKey = std::tuple<std::string, std::string, std::string>;
+  struct Fills {
+    int64_t lots = 0;
+    ScaledValue average = 0;
+  };
+
+  void OnReport(const std::string& strategy, const rapidjson::Value& data);
+  void OnOrderReport(const std::string& strategy, std::string_view text);
+  void OnLimit(std::string_view text);
+  void EndRun(const std::string& strategy, const std::string& reason);
+
+  std::function<void(const Happening&)> m_tell;
+  std::map<PositionKey, PositionChanged> m_positions;
+  std::map<std::pair<std::string, std::string>, Fills> m_fills;  ///< by strategy and report
+  std::map<std::string, std::string> m_limits;                   ///< by tag: the side that was told
+  std::set<std::string> m_ended;                                 ///< strategies whose end was told
+};
+
+}  // namespace iorder

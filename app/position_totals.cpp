@@ -1,0 +1,156 @@
+#include "app/position_totals.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "app/symbol_words.h"
+
+namespace iorder {
+namespace {
+
+/// Lines of cells, each column as wide as its widest cell; the first columns to the left, the numbers to the
+/// right.
+template <size_t kColumns>
+std::string Align(const std::vector<std::array<std::string, kColumns>>& lines, size_t textColumns) {
+  std::array<size_t, kColumns> widths{};
+  for (const auto& line : lines) {
+    for (size_t i = 0; i < kColumns; ++i) widths[i] = std::max(widths[i], line[i].size());
+  }
+  std::string table;
+  for (const auto& line : lines) {
+    for (size_t i = 0; i < kColumns; ++i) {
+      if (i > 0) table += "  ";
+      table += i < textColumns ? fmt::format("{:<{}}", line[i], widths[i])
+                               : fmt::format("{:>{}}", line[i], widths[i]);
+    }
+    table += '\n';
+  }
+  return table;
+}
+
+std::string PriceOr(const std::optional<double>& price) {
+  return price ? PriceText(*price) : "-";
+}
+
+/// Money of one price point of so many lots.
+double Money(int64_t lots, int64_t weight) {
+  return static_cast<double>(lots) * static_cast<double>(weight);
+}
+
+}  // namespace
+
+double CPositionTotals::Row::Realised() const {
+  if (!position.boughtAt || !position.soldAt) return 0;
+  return (*position.soldAt - *position.boughtAt) * Money(position.sold, weight);
+}
+
+double CPositionTotals::Row::Open() const {
+  if (!position.boughtAt || !last) return 0;
+  return (*last - *position.boughtAt) * Money(position.held, weight);
+}
+
+double CPositionTotals::Row::Cost() const {
+  return position.boughtAt ? *position.boughtAt * Money(position.bought, weight) : 0;
+}
+
+void CPositionTotals::Add(const Happening& happening) {
+  if (const auto* position = std::get_if<PositionChanged>(&happening)) {
+    Row& row = m_rows[{position->strategy, position->run, position->symbol}];
+    row.position = *position;
+    const auto weight = m_weights.find(position->symbol);
+    if (weight != m_weights.end()) row.weight = weight->second;
+  } else if (const auto* valued = std::get_if<PositionValued>(&happening)) {
+    const auto row = m_rows.find({valued->strategy, valued->run, valued->symbol});
+    if (row != m_rows.end()) row->second.last = valued->last;
+  } else if (const auto* total = std::get_if<TagTotalChanged>(&happening)) {
+    m_tags[total->tag] = *total;
+  } else if (const auto* known = std::get_if<WeightKnown>(&happening)) {
+    // A weight that isn't above 0 counts as 1.
+    const int64_t weight = std::max<int64_t>(known->weight, 1);
+    m_weights[known->symbol] = weight;
+    for (auto& [key, row] : m_rows) {
+      if (std::get<2>(key) == known->symbol) row.weight = weight;
+    }
+  }
+}
+
+std::string CPositionTotals::PositionTable() const {
+  std::vector<std::array<std::string, 12>> lines;
+  lines.push_back({"strategy", "run", "symbol", "bought", "average", "sold", "average", "held", "last",
+                   "realised", "open", "cost"});
+  for (const auto& [key, row] : m_rows) {
+    const PositionChanged& position = row.position;
+    lines.push_back({position.strategy, position.run, SymbolWords(position.symbol),
+                     std::to_string(position.bought), PriceOr(position.boughtAt),
+                     std::to_string(position.sold), PriceOr(position.soldAt), std::to_string(position.held),
+                     PriceOr(row.last), MoneyText(row.Realised()), MoneyText(row.Open()),
+                     MoneyText(row.Cost())});
+  }
+  return Align(lines, 3);
+}
+
+std::string CPositionTotals::TagTable() const {
+  std::vector<std::array<std::string, 3>> lines;
+  lines.push_back({"tag", "cost", "profit"});
+  for (const auto& [tag, total] : m_tags)
+    lines.push_back({tag.empty() ? "-" : tag, std::to_string(total.cost), MoneyText(total.profit)});
+  return Align(lines, 1);
+}
+
+std::string CPositionTotals::Table() const {
+  if (m_rows.empty()) return "";
+  return PositionTable() + '\n' + TagTable() + '\n';
+}
+
+void CPositionTotals::WriteJson(CJsonWriter& writer) const {
+  const auto text = [&writer](const char* name, const std::string& value) {
+    writer.Key(name);
+    writer.String(value);
+  };
+  const auto integer = [&writer](const char* name, int64_t value) {
+    writer.Key(name);
+    writer.Int64(value);
+  };
+  const auto number = [&writer](const char* name, std::optional<double> value) {
+    writer.Key(name);
+    if (value) {
+      writer.Double(*value);
+    } else {
+      writer.Null();
+    }
+  };
+  writer.Key("positions");
+  writer.StartArray();
+  for (const auto& [key, row] : m_rows) {
+    writer.StartObject();
+    text("strategy", row.position.strategy);
+    text("run", row.position.run);
+    text("symbol", row.position.symbol);
+    integer("bought", row.position.bought);
+    number("bought_at", row.position.boughtAt);
+    integer("sold", row.position.sold);
+    number("sold_at", row.position.soldAt);
+    integer("held", row.position.held);
+    number("last", row.last);
+    number("realised", row.Realised());
+    number("open", row.Open());
+    number("cost", row.Cost());
+    writer.EndObject();
+  }
+  writer.EndArray();
+  writer.Key("tags");
+  writer.StartArray();
+  for (const auto& [tag, total] : m_tags) {
+    writer.StartObject();
+    text("tag", tag);
+    integer("cost", total.cost);
+    number("profit", total.profit);
+    writer.EndObject();
+  }
+  writer.EndArray();
+}
+
+}  // namespace iorder
