@@ -26,8 +26,9 @@ void CAccountsRecord::Drop(const std::wstring& account, bool dropped) {
   Write();
 }
 
-bool CAccountsRecord::IsConnected(const std::wstring& broker, const std::wstring& account) {
-  return m_bus.ItemHas(kAccountsRecord, broker, account, L"ConnectStatus", kConnected);
+std::wstring CAccountsRecord::ComplaintAbout(const std::wstring& broker, const std::wstring& account) {
+  const bool isConnected = m_bus.ItemHas(kAccountsRecord, broker, account, L"ConnectStatus", kConnected);
+  return isConnected ? std::wstring() : L"account " + broker + L"/" + account + L" isn't connected";
 }
 
 void CAccountsRecord::Write() {

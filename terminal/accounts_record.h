@@ -18,7 +18,8 @@ class CAccountsRecord {
   void Set(const AccountsAction& accounts);
   /// Shows the account ("BROKER_ACCOUNT") as not connected, or as it was given.
   void Drop(const std::wstring& account, bool dropped);
-  bool IsConnected(const std::wstring& broker, const std::wstring& account);
+  /// Why the account takes no orders: it isn't connected. "" if it is.
+  std::wstring ComplaintAbout(const std::wstring& broker, const std::wstring& account);
 
  private:
   void Write() IORDER_REQUIRES(m_section);

@@ -7,21 +7,11 @@
 #include <vector>
 
 #include "terminal/local_time.h"
+#include "terminal/order_rules.h"
 #include "terminal/quote_update.h"
 #include "terminal/record_change.h"
 
 namespace iorder {
-
-/// How the order service answers by itself.
-struct OrderRules {
-  enum class Fill { kTouch, kThrough, kImmediate, kNone };
-
-  Milliseconds latency{10};
-  Fill fill = Fill::kTouch;
-  double partial = 1.0;
-  double reject = 0.0;
-  bool chase = true;
-};
 
 /// The first line of a day file.
 struct DayHead {

@@ -5,6 +5,7 @@
 
 #include "platform/text.h"
 #include "terminal/day_actions.h"
+#include "terminal/day_head.h"
 #include "terminal/input_file.h"
 #include "terminal/object_reader.h"
 #include "terminal/tick_file.h"
@@ -13,108 +14,6 @@ namespace iorder {
 namespace {
 
 constexpr Milliseconds kOneDay = std::chrono::hours(24);
-
-/// The index of the text that stands under `key`, or of `fallback`.
-size_t ReadChoice(CObjectReader& reader, std::string_view key, const std::vector<std::string_view>& choices,
-                  size_t fallback) {
-  const std::optional<std::string> text = reader.Text(key);
-  if (!text) {
-    return fallback;
-  }
-  const auto found = std::find(choices.begin(), choices.end(), *text);
-  if (found == choices.end()) {
-    std::string expected;
-    for (const std::string_view choice : choices) {
-      expected += (expected.empty() ? "'" : " or '") + std::string(choice) + "'";
-    }
-    reader.Fail(key, "expected " + expected + ", found '" + *text + "'");
-  }
-  return static_cast<size_t>(found - choices.begin());
-}
-
-double ReadShare(CObjectReader& reader, std::string_view key, double fallback) {
-  const std::optional<ScaledValue> share = reader.Decimal(key);
-  if (!share) {
-    return fallback;
-  }
-  if (*share < 0 || *share > static_cast<ScaledValue>(kScale)) {
-    reader.Fail(key, "must lie from 0 to 1");
-  }
-  return static_cast<double>(*share) / kScale;
-}
-
-std::optional<OrderRules> ReadOrderRules(CObjectReader& head) {
-  const JsonNode* const node = head.Find("orders");
-  if (node == nullptr || (node->kind == JsonNode::Kind::kText && node->text == "manual")) {
-    return std::nullopt;
-  }
-  if (!node->IsObject()) {
-    head.FailKind("orders", *node, "'manual' or an object");
-  }
-  CObjectReader reader(*node, "orders", head.Place());
-  OrderRules rules;
-  rules.latency =
-      Milliseconds(reader.Integer("latency_ms", 0, kOneDay.count()).value_or(rules.latency.count()));
-  rules.fill =
-      static_cast<OrderRules::Fill>(ReadChoice(reader, "fill", {"touch", "through", "immediate", "none"}, 0));
-  rules.partial = ReadShare(reader, "partial", rules.partial);
-  rules.reject = ReadShare(reader, "reject", rules.reject);
-  rules.chase = reader.Flag("chase").value_or(rules.chase);
-  reader.Finish();
-  return rules;
-}
-
-std::optional<LocalTime> ReadEnd(CObjectReader& head, LocalTime start) {
-  const std::optional<std::string> text = head.Text("end");
-  if (!text) {
-    return std::nullopt;
-  }
-  if (const std::optional<Milliseconds> time = ParseTimeOfDay(*text)) {
-    const LocalTime end = DateOf(start) + *time;
-    return end > start ? end : end + kOneDay;
-  }
-  const std::optional<LocalTime> end = ParseLocalTime(*text);
-  if (!end) {
-    head.Fail("end", "expected YYYY-MM-DDTHH:MM:SS[.mmm] or HH:MM:SS[.mmm], found '" + *text + "'");
-  }
-  if (*end <= start) {
-    head.Fail("end", "lies before the start");
-  }
-  return end;
-}
-
-DayHead ReadHead(const JsonNode& line, const FilePlace& place) {
-  CObjectReader outer(line, "the head", place);
-  CObjectReader reader(outer.Need("day"), "day", place);
-  outer.Finish();
-
-  DayHead head;
-  const std::string start = reader.NeedText("start");
-  const std::optional<LocalTime> startTime = ParseLocalTime(start);
-  if (!startTime) {
-    reader.Fail("start", "expected YYYY-MM-DDTHH:MM:SS[.mmm], found '" + start + "'");
-  }
-  head.start = *startTime;
-  head.end = ReadEnd(reader, head.start);
-  head.timezone = reader.Text("timezone").value_or(head.timezone);
-  head.seed = static_cast<uint64_t>(reader.Integer("seed").value_or(0));
-  head.autoPhases = ReadChoice(reader, "phases", {"auto", "manual"}, 0) == 0;
-  head.needsSubscription = ReadChoice(reader, "subscriptions", {"required", "open"}, 0) == 0;
-  head.subscriptionDelay = Milliseconds(reader.Integer("subscription_ms", 0, kOneDay.count()).value_or(0));
-  head.hasDatabase = ReadChoice(reader, "database", {"sqlite", "none"}, 0) == 0;
-  head.orders = ReadOrderRules(reader);
-  const bool marketFigures = ReadChoice(reader, "figures", {"given", "market"}, 0) == 1;
-  reader.Integer("figures_ms", 1, kOneDay.count());
-  const std::optional<std::string> folder = reader.Text("folder");
-  reader.Finish();
-  if (marketFigures) {
-    reader.Fail("figures", "'market' isn't available yet; give the figures in the lines of the day");
-  }
-  if (folder) {
-    head.folder = PathBeside(place.file, *folder);
-  }
-  return head;
-}
 
 /// Gives each line its time: its own, or that of the line above.
 class CLineClock {
@@ -190,7 +89,7 @@ Day ReadDayFile(const std::string& path) {
   }
   Day day;
   day.path = path;
-  day.head = ReadHead(ParseJson(text, reader.Place()), reader.Place());
+  day.head = ReadDayHead(ParseJson(text, reader.Place()), reader.Place());
 
   CLineClock clock(day.head);
   while (NextLine(reader, text)) {
@@ -198,6 +97,9 @@ Day ReadDayFile(const std::string& path) {
     CObjectReader line(node, "the line", reader.Place());
     const LocalTime at = clock.Next(line);
     day.lines.push_back({at, reader.Place().line, ReadAction(line)});
+    if (day.head.orders && std::holds_alternative<ReportAction>(day.lines.back().action)) {
+      line.Fail("report", "the head's 'orders' answers the orders; only a day with 'manual' has reports");
+    }
     if (const TicksAction* const ticks = std::get_if<TicksAction>(&day.lines.back().action)) {
       CTickFile check(ticks->path, DateOf(at));
     }

@@ -28,7 +28,7 @@ CDayPlayer::CDayPlayer(const Day& day, TerminalParts& parts)
     : m_day(day),
       m_parts(parts),
       m_clock(parts.runtime),
-      m_ticks(parts.runtime, parts.bus, TickSources(day), day.head.end) {}
+      m_ticks(parts.runtime, parts.quotes, TickSources(day), day.head.end) {}
 
 void CDayPlayer::Play(INordoManager& manager) {
   m_manager = &manager;
@@ -150,8 +150,7 @@ void CDayPlayer::Do(const RecordAction& action) {
 
 void CDayPlayer::Do(const QuoteAction& action) {
   OnBus([&] {
-    CBusObject& quote = m_parts.bus.Quote(action.symbol);
-    m_parts.bus.PlayQuote(quote, action.update, &action.more, m_parts.runtime.UtcTime(), action.firing);
+    m_parts.quotes.Play(m_parts.quotes.Find(action.symbol), action.update, &action.more, action.firing);
   });
 }
 
@@ -174,18 +173,18 @@ void CDayPlayer::Do(const PhaseAction& action) {
 }
 
 void CDayPlayer::Do(const ReportAction& action) {
-  OnBus([&] { m_parts.orders.Report(action); });
+  OnBus([&] { m_parts.orders.Manual().Report(action); });
 }
 
 void CDayPlayer::Do(const ChildAction& action) {
   OnBus([&] {
-    m_parts.orders.Child(action,
-                         [this](const std::wstring& topic, int32_t handle) { Announce(topic, handle); });
+    m_parts.orders.Manual().Child(
+        action, [this](const std::wstring& topic, int32_t handle) { Announce(topic, handle); });
   });
 }
 
 void CDayPlayer::Do(const PositionAction& action) {
-  OnBus([&] { m_parts.orders.Position(action); });
+  OnBus([&] { m_parts.orders.Manual().Position(action); });
 }
 
 void CDayPlayer::Do(const RequestAction& action) {

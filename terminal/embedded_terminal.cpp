@@ -29,7 +29,8 @@ TerminalParts::TerminalParts(IWorldRuntime& worldRuntime, const DayHead& head, c
       settings(runtime, head.folder, hostFolder),
       busThread(runtime),
       accounts(runtime, bus),
-      orders(runtime, bus, accounts),
+      orders(runtime, bus, busThread, accounts, head.orders, head.seed),
+      quotes(runtime, bus, orders.Automatic()),
       requests(runtime, bus, busThread),
       sink(runtime, feed, bus, busThread, orders, requests, head.subscriptionDelay) {}
 

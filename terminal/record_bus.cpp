@@ -460,17 +460,6 @@ void CEmbeddedBus::ApplyQuoteLocked(CBusObject& quote, const QuoteUpdate& update
   if (update.clock && !update.hasDate) {
     record.SetNumber(quote_field::kDate, ToDate8(utc));
   }
-  const auto take = [](int64_t& slot, int64_t value) { slot = value != NoValue ? value : slot; };
-  take(quote.m_best.bid, update.best.bid);
-  take(quote.m_best.ask, update.best.ask);
-  take(quote.m_best.bidQuantity, update.best.bidQuantity);
-  take(quote.m_best.askQuantity, update.best.askQuantity);
-}
-
-BestPrices CEmbeddedBus::Best(const std::wstring& symbol) {
-  CLockGuard guard(m_section);
-  const CBusObject* const quote = FindLocked(symbol);
-  return quote != nullptr ? quote->m_best : BestPrices();
 }
 
 // ---- Orders, positions, accounts ----
@@ -530,6 +519,13 @@ bool CEmbeddedBus::ItemHas(const std::wstring& name, const std::wstring& node, c
   const CRecord& record = ObjectOf(top->m_record.Nodes()[*nodeIndex].handle).m_record;
   const std::optional<size_t> itemIndex = FindChild(record.Items(), item);
   return itemIndex && ObjectOf(record.Items()[*itemIndex].handle).m_record.Field(field) == Value(value);
+}
+
+Value CEmbeddedBus::ItemField(const std::wstring& name, const std::wstring& item, std::wstring_view field) {
+  CLockGuard guard(m_section);
+  CBusObject* const top = FindLocked(name);
+  const std::optional<size_t> index = top != nullptr ? FindChild(top->m_record.Items(), item) : std::nullopt;
+  return index ? ObjectOf(top->m_record.Items()[*index].handle).m_record.Field(field) : Value();
 }
 
 // ---- Faults ----

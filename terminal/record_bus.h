@@ -74,7 +74,6 @@ class CEmbeddedBus : public IRecordBus {
   /// the clock, for a quote that doesn't name time or date (QuoteUpdate::NeedsClock).
   void PlayQuote(CBusObject& quote, const QuoteUpdate& update, const RecordChange* more, const DateTime& utc,
                  const Firing& firing);
-  BestPrices Best(const std::wstring& symbol);
 
   /// Changes the node of that index, with empty ones before it if need be.
   void ApplyToNode(const std::wstring& name, int32_t index, const RecordChange& change);
@@ -91,6 +90,9 @@ class CEmbeddedBus : public IRecordBus {
   /// Whether the item of that name in the node of that name has the 32-bit value in its field.
   bool ItemHas(const std::wstring& name, const std::wstring& node, const std::wstring& item,
                std::wstring_view field, int32_t value);
+
+  /// A text field of the item of that name, as it is: without the faults that the engine sees.
+  Value ItemField(const std::wstring& name, const std::wstring& item, std::wstring_view field);
 
   /// Faults: the record doesn't open, or an item (by index or name) doesn't resolve, for ever or for so many
   /// tries.
@@ -186,7 +188,6 @@ class CBusObject : public IBusObject {
   CRecord m_record;
   std::vector<CRecord::Child> m_formerItems;  ///< taken out, with their handles should they come again
   std::vector<CRecord::Child> m_formerNodes;
-  BestPrices m_best;
   bool m_hidden;
   /// Replaced as a whole when it changes, so that firing takes no copy.
   std::shared_ptr<const CEmbeddedBus::SinkList> m_sinks;

@@ -9,6 +9,7 @@
 #include "terminal/event_feed.h"
 #include "terminal/host_sink.h"
 #include "terminal/order_service.h"
+#include "terminal/quote_player.h"
 #include "terminal/record_bus.h"
 #include "terminal/request_desk.h"
 #include "terminal/settings_files.h"
@@ -28,6 +29,7 @@ struct TerminalParts {
   CBusThread busThread;
   CAccountsRecord accounts;
   COrderService orders;
+  CQuotePlayer quotes;
   CRequestDesk requests;
   CHostSink sink;
 };

@@ -6,9 +6,9 @@
 
 namespace iorder {
 
-CTickPlayer::CTickPlayer(IWorldRuntime& runtime, CEmbeddedBus& bus, std::vector<TickSource> sources,
+CTickPlayer::CTickPlayer(IWorldRuntime& runtime, CQuotePlayer& quotes, std::vector<TickSource> sources,
                          std::optional<LocalTime> end)
-    : m_runtime(runtime), m_bus(bus), m_sources(std::move(sources)), m_end(end), m_clock(runtime) {}
+    : m_runtime(runtime), m_quotes(quotes), m_sources(std::move(sources)), m_end(end), m_clock(runtime) {}
 
 void CTickPlayer::Create() {
   if (m_sources.empty()) {
@@ -71,12 +71,10 @@ CTickPlayer::Stream* CTickPlayer::NextStream(const std::vector<std::unique_ptr<S
 void CTickPlayer::PlayRow(Stream& stream) {
   static const Firing kFiring;
   const std::vector<std::string>& symbols = stream.file.Symbols();
-  for (size_t i = stream.quotes.size(); i < symbols.size(); ++i) {
-    stream.quotes.push_back(&m_bus.Quote(ToWide(symbols[i])));
+  for (size_t i = stream.targets.size(); i < symbols.size(); ++i) {
+    stream.targets.push_back(m_quotes.Find(ToWide(symbols[i])));
   }
-  const QuoteUpdate& update = stream.row.update;
-  const DateTime utc = update.NeedsClock() ? m_runtime.UtcTime() : DateTime();
-  m_bus.PlayQuote(*stream.quotes[stream.row.symbol], update, nullptr, utc, kFiring);
+  m_quotes.Play(stream.targets[stream.row.symbol], stream.row.update, nullptr, kFiring);
   m_lastTime = stream.row.at;
   m_rowsPlayed.store(m_rowsPlayed.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
 }

@@ -9,7 +9,7 @@
 
 #include "platform/world_runtime.h"
 #include "terminal/local_clock.h"
-#include "terminal/record_bus.h"
+#include "terminal/quote_player.h"
 #include "terminal/tick_file.h"
 
 namespace iorder {
@@ -25,7 +25,7 @@ struct TickSource {
 class CTickPlayer {
  public:
   /// Rows behind `end` aren't played.
-  CTickPlayer(IWorldRuntime& runtime, CEmbeddedBus& bus, std::vector<TickSource> sources,
+  CTickPlayer(IWorldRuntime& runtime, CQuotePlayer& quotes, std::vector<TickSource> sources,
               std::optional<LocalTime> end);
 
   /// Creates the thread; without sources there is none. Before the first fault of the day, that none may hit
@@ -50,7 +50,7 @@ class CTickPlayer {
     CTickFile file;
     CTickFile::Row row;
     bool isOpen;
-    std::vector<CBusObject*> quotes;  ///< by index of the symbol
+    std::vector<CQuotePlayer::Target> targets;  ///< by index of the symbol
   };
 
   void Play();
@@ -58,7 +58,7 @@ class CTickPlayer {
   static Stream* NextStream(const std::vector<std::unique_ptr<Stream>>& streams);
 
   IWorldRuntime& m_runtime;
-  CEmbeddedBus& m_bus;
+  CQuotePlayer& m_quotes;
   const std::vector<TickSource> m_sources;
   const std::optional<LocalTime> m_end;
   CLocalClock m_clock;

@@ -72,7 +72,8 @@ TEST_F(DayFile, AllKeysOfTheHeadAreRead) {
           "",
           R"({"day": {"start": "2024-03-04T15:00:00", "end": "05:00:00", "timezone": "America/Chicago", )"
           R"("seed": 7, "phases": "manual", "subscriptions": "open", "subscription_ms": 20, "database": "none", )"
-          R"("orders": {"latency_ms": 20, "fill": "through", "partial": 0.5, "reject": "0.25", "chase": false}, )"
+          R"("orders": {"latency_ms": 20, "fill": "through", "partial": 0.5, "reject": "0.25", "chase": false, )"
+          R"("late_ms": 30, "out_of_order": true, "repeat": 0.1, "lost_ack": 1, "rec_fill_lag_ms": 40}, )"
           R"("figures": "given", "figures_ms": 100, "folder": "files"}})")
           .head;
   EXPECT_EQ("2024-03-05T05:00:00.000", ToText(*head.end));
@@ -83,8 +84,15 @@ TEST_F(DayFile, AllKeysOfTheHeadAreRead) {
   EXPECT_EQ(Milliseconds(20), head.subscriptionDelay);
   EXPECT_FALSE(head.hasDatabase);
   EXPECT_EQ(OrderRules::Fill::kThrough, head.orders->fill);
-  EXPECT_EQ(0.25, head.orders->reject);
+  EXPECT_EQ(2'500'000'000, head.orders->reject);
   EXPECT_FALSE(head.orders->chase);
+  EXPECT_EQ(5'000'000'000, head.orders->partial);
+  EXPECT_EQ(Milliseconds(20), head.orders->latency);
+  EXPECT_EQ(Milliseconds(30), head.orders->late);
+  EXPECT_TRUE(head.orders->outOfOrder);
+  EXPECT_EQ(1'000'000'000, head.orders->repeat);
+  EXPECT_EQ(kWholeShare, head.orders->lostAck);
+  EXPECT_EQ(Milliseconds(40), head.orders->recFillLag);
   EXPECT_EQ(m_folder.Path("files"), head.folder);
 }
 
@@ -98,10 +106,22 @@ TEST_F(DayFile, MistakesInTheHeadNameTheKey) {
   EXPECT_THAT(HeadMistake(R"("figures": "market")"), HasSubstr("isn't available yet"));
   EXPECT_EQ("a.day.jsonl:1: 'partial' in orders: must lie from 0 to 1",
             HeadMistake(R"("orders": {"partial": 2})"));
+  EXPECT_EQ("a.day.jsonl:1: unknown key 'lost_acks' in orders; did you mean 'lost_ack'?",
+            HeadMistake(R"("orders": {"lost_acks": 1})"));
+  EXPECT_EQ("a.day.jsonl:1: 'repeat' in orders: must lie from 0 to 1",
+            HeadMistake(R"("orders": {"repeat": -0.1})"));
+  EXPECT_THAT(HeadMistake(R"("orders": {"late_ms": -1})"), HasSubstr("'late_ms' in orders"));
   EXPECT_EQ("a.day.jsonl:1: key 'start' is missing in day", Mistake("", "{\"day\": {\"seed\": 1}}"));
   EXPECT_EQ("a.day.jsonl:1: 'start' in day: expected YYYY-MM-DDTHH:MM:SS[.mmm], found '2024-02-30T08:00:00'",
             Mistake("", "{\"day\": {\"start\": \"2024-02-30T08:00:00\"}}"));
   EXPECT_EQ("a.day.jsonl:1: key 'day' is missing in the head", Mistake("", "{\"note\": \"x\"}"));
+}
+
+TEST_F(DayFile, ADayWhoseHeadAnswersOrdersHasNoReports) {
+  const std::string head = R"({"day": {"start": "2024-03-04T08:40:00", "orders": {}}})";
+  EXPECT_THAT(Mistake("{\"report\": {\"order\": 1}}\n", head),
+              StartsWith("a.day.jsonl:2: 'report' in the line: the head's 'orders' answers the orders"));
+  EXPECT_EQ(1U, Read("{\"child\": {\"order\": 1}}\n", head).lines.size());
 }
 
 // ---- Lines and times ----

@@ -1,0 +1,79 @@
+#include "terminal/manual_answers.h"
+
+#include <algorithm>
+
+namespace iorder {
+namespace {
+
+constexpr const wchar_t* kStrategyPosition = L"STRATEGY.POSITION";
+
+/// The whole number in a field, 0 for anything else.
+int64_t NumberOf(const FieldValue& field) {
+  if (const int64_t* const int64 = std::get_if<int64_t>(&field.value)) {
+    return *int64;
+  }
+  return Int32Or(field.value, 0);
+}
+
+bool Names(const std::vector<FieldChange>& fields, std::wstring_view name) {
+  return std::any_of(fields.begin(), fields.end(),
+                     [name](const FieldChange& field) { return field.name == name; });
+}
+
+}  // namespace
+
+void CManualAnswers::WorkOutQuantities(const ReportAction& report, ReportFields& fields) {
+  const int64_t filled = NumberOf(fields[L"CumQty"]);
+  if (!Names(report.fields, L"RecFillQty")) {
+    fields[L"RecFillQty"] = Int32Field(filled);
+  }
+  if (!Names(report.fields, L"LeavesQty")) {
+    fields[L"LeavesQty"] = Int32Field(NumberOf(fields[L"SendQty"]) - filled);
+  }
+}
+
+void CManualAnswers::Report(const ReportAction& report) {
+  const SentOrder order = m_orders.Order(report.order);
+  ReportFields& fields = m_reports.try_emplace(report.order, FirstReport(order)).first->second;
+  for (const FieldChange& field : report.fields) {
+    fields[field.name] = field.value;
+  }
+  WorkOutQuantities(report, fields);
+  FireReport(m_runtime, m_bus, report.node.value_or(report.order - 1), fields, report.payload);
+}
+
+void CManualAnswers::Child(const ChildAction& child, const Announce& announce) {
+  const SentOrder order = m_orders.Order(child.order);
+  std::wstring levelKey = L"C" + std::to_wstring(order.number);
+  for (const FieldChange& field : child.fields) {
+    if (field.name == L"LevelKey" && std::holds_alternative<std::wstring>(field.value.value)) {
+      levelKey = std::get<std::wstring>(field.value.value);
+    }
+  }
+  int32_t& handle = m_childHandles[levelKey];
+  const bool isFirst = handle == 0;
+  RecordChange change;
+  change.name = levelKey;
+  if (isFirst) {
+    change.fields = {{L"Strategy", TextField(OrderField(order.fields, L"STRATEGY"))},
+                     {L"LevelKey", TextField(levelKey)}};
+  }
+  change.fields.insert(change.fields.end(), child.fields.begin(), child.fields.end());
+  handle = m_bus.ApplyUnnamed(handle, change);
+
+  if (child.announce.value_or(isFirst)) {
+    announce(child.topic, handle);
+  } else if (!isFirst) {
+    m_bus.FireUnnamed(handle);
+  }
+}
+
+void CManualAnswers::Position(const PositionAction& position) {
+  if (position.items) {
+    m_bus.ReplaceItems(kStrategyPosition, position.strategy, *position.items);
+  } else {
+    m_bus.RemoveNode(kStrategyPosition, position.strategy);
+  }
+}
+
+}  // namespace iorder

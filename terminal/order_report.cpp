@@ -1,0 +1,49 @@
+#include "terminal/order_report.h"
+
+#include <utility>
+
+#include "records/number_text.h"
+
+namespace iorder {
+
+FieldValue TextField(std::wstring text) {
+  return {{}, std::move(text), {}};
+}
+
+FieldValue Int32Field(int64_t value) {
+  return {{}, static_cast<int32_t>(value), {}};
+}
+
+FieldValue Int64Field(int64_t value) {
+  return {{}, value, {}};
+}
+
+ReportFields FirstReport(const SentOrder& order) {
+  const auto text = [&](const wchar_t* key) { return OrderField(order.fields, key); };
+  ReportFields fields;
+  fields[L"UserKey2"] = TextField(text(L"USERKEY2"));
+  fields[L"Symbol"] = TextField(text(L"SYMBOL"));
+  fields[L"Side"] = TextField(text(L"SIDE"));
+  fields[L"PositionEffect"] = Int32Field(LeadingInt64(text(L"POSITIONEFFECT")));
+  fields[L"OrderType"] = Int32Field(LeadingInt64(text(L"ORDERTYPE")));
+  if (order.fields.contains(L"PRICE")) {
+    fields[L"Price"] = Int64Field(LeadingInt64(text(L"PRICE")));
+  }
+  fields[L"SendQty"] = Int32Field(LeadingInt64(text(L"QTY")));
+  fields[L"LevelKey"] = TextField(ReportId(order.number));
+  fields[L"CumQty"] = Int32Field(0);
+  return fields;
+}
+
+void FireReport(IWorldRuntime& runtime, CEmbeddedBus& bus, int32_t node, const ReportFields& fields,
+                const std::optional<std::wstring>& payload) {
+  RecordChange change;
+  for (const auto& [name, value] : fields) {
+    change.fields.push_back({name, value});
+  }
+  bus.ApplyToNode(kOrderSet, node, change);
+  bus.Fire(kOrderSet, {false, std::nullopt, payload.value_or(L"BN" + std::to_wstring(node) + L"=[]")});
+  runtime.SleepUntil(runtime.Now(), Precedence::kDayLine);
+}
+
+}  // namespace iorder

@@ -1,0 +1,18 @@
+#include "terminal/quote_player.h"
+
+namespace iorder {
+
+CQuotePlayer::Target CQuotePlayer::Find(const std::wstring& symbol) {
+  return {&m_bus.Quote(symbol), m_orders != nullptr ? &m_orders->Book(symbol) : nullptr};
+}
+
+void CQuotePlayer::Play(const Target& target, const QuoteUpdate& update, const RecordChange* more,
+                        const Firing& firing) {
+  if (target.book != nullptr) {
+    m_orders->OnQuote(*target.book, update);
+  }
+  const DateTime utc = update.NeedsClock() ? m_runtime.UtcTime() : DateTime();
+  m_bus.PlayQuote(*target.record, update, more, utc, firing);
+}
+
+}  // namespace iorder
