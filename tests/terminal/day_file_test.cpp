@@ -118,7 +118,8 @@ TEST_F(DayFile, MistakesInTheHeadNameTheKey) {
 }
 
 TEST_F(DayFile, ADayWhoseHeadAnswersOrdersHasNoReports) {
-  const std::string head = R"({"day": {"start": "2024-03-04T08:40:00", "orders": {}}})";
+  const std::string head = R"({"day": {"start": "2024-03-04T08:40:00", "orders": {}}})"
+                           "\n";
   EXPECT_THAT(Mistake("{\"report\": {\"order\": 1}}\n", head),
               StartsWith("a.day.jsonl:2: 'report' in the line: the head's 'orders' answers the orders"));
   EXPECT_EQ(1U, Read("{\"child\": {\"order\": 1}}\n", head).lines.size());
