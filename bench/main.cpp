@@ -22,6 +22,11 @@ int main(int argumentCount, char** arguments) {
     ratios.push_back(QuoteAgainstLookup(folder, kRepeats));
     ratios.push_back(QuietSession(folder, kRepeats));
     ratios.push_back(BatchAgainstFormat(folder, kRepeats));
+    ratios.push_back(ReportAgainstWrite(folder, kRepeats));
+    ratios.push_back(ProfitPass("one quote valued, 100 strategies of 50 positions",
+                                "10 strategies of 50 positions", {10, 50}, {100, 50}, kRepeats));
+    ratios.push_back(ProfitPass("one quote valued, 100 strategies of 50 positions",
+                                "100 strategies of 5 positions", {100, 5}, {100, 50}, kRepeats));
     std::fputs(FormatTable(ratios).c_str(), stdout);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", error.what());

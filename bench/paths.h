@@ -23,4 +23,17 @@ Ratio QuietSession(const CBenchFolder& folder, int repeats);
 /// A batch over 100 symbols, against swprintf of its order strings.
 Ratio BatchAgainstFormat(const CBenchFolder& folder, int repeats);
 
+/// One order report (position, two status messages, log lines) with a sink that counts, against write(2) of a
+/// line.
+Ratio ReportAgainstWrite(const CBenchFolder& folder, int repeats);
+
+/// Strategies of ten tags, each of which holds so many positions.
+struct BookSize {
+  int strategies = 0;
+  int positions = 0;
+};
+/// One quote through the profit monitor, of a large book against one of a small book.
+Ratio ProfitPass(const std::string& name, const std::string& baseline, BookSize small, BookSize large,
+                 int repeats);
+
 }  // namespace iorder
