@@ -124,8 +124,8 @@ Value CBaseData::GetVariant(std::wstring_view field) {
 std::wstring CBaseData::GetString(std::wstring_view field) {
   Value value = GetVariant(field);
   if (std::wstring* text = std::get_if<std::wstring>(&value)) return std::move(*text);
-  if (const int32_t* number = std::get_if<int32_t>(&value)) return std::to_wstring(*number);
-  if (const int64_t* number = std::get_if<int64_t>(&value)) return std::to_wstring(*number);
+  if (const int32_t* number = std::get_if<int32_t>(&value)) return ToDecimal(*number);
+  if (const int64_t* number = std::get_if<int64_t>(&value)) return ToDecimal(*number);
   return {};
 }
 

@@ -31,6 +31,12 @@ std::string LeadingNumberText(std::wstring_view text) {
 
 }  // namespace
 
+std::wstring ToDecimal(int64_t number) {
+  char digits[24];
+  const auto [end, error] = std::to_chars(std::begin(digits), std::end(digits), number);
+  return {std::begin(digits), end};
+}
+
 int64_t LeadingInt64(std::wstring_view text) {
   const std::string narrow = LeadingNumberText(text);
   int64_t value = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace iorder {
@@ -9,6 +10,9 @@ namespace iorder {
 /// doesn't fit stops at the nearest value that does.
 int64_t LeadingInt64(std::wstring_view text);
 int32_t LeadingInt32(std::wstring_view text);
+
+/// The digits of a whole number. std::to_wstring gives the same, but asks the locale for each.
+std::wstring ToDecimal(int64_t number);
 
 /// The decimal number that `text` begins with (digits, one point, an exponent); 0.0 if there is none.
 /// Independent of any locale.

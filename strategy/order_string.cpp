@@ -13,20 +13,20 @@ std::wstring FormatOrder(const CStrategyIdentity& identity, const std::wstring& 
   add(L",ACCOUNT=", identity.m_strAccount);
   add(L",SYMBOL=", order.strSymbol);
   add(L",SIDE=", order.strSide);
-  add(L",QTY=", std::to_wstring(order.lQty));
+  add(L",QTY=", ToDecimal(order.lQty));
   if (order.strPrice.empty()) {
-    add(L",PRICE=", std::to_wstring(order.llPrice));
+    add(L",PRICE=", ToDecimal(order.llPrice));
   } else {
     add(L",PRICESTRING=", order.strPrice);
   }
-  add(L",ORDERTYPE=", std::to_wstring(order.lOrderType));
-  add(L",POSITIONEFFECT=", std::to_wstring(order.lPositionEffect));
-  add(L",TIMEINFORCE=", std::to_wstring(order.lTimeInForce));
+  add(L",ORDERTYPE=", ToDecimal(order.lOrderType));
+  add(L",POSITIONEFFECT=", ToDecimal(order.lPositionEffect));
+  add(L",TIMEINFORCE=", ToDecimal(order.lTimeInForce));
   add(L",SYNTHETIC=0,STRATEGYNAME=OpenLottery,USERKEY1=", identity.m_strUserKey1);
   add(L",USERKEY2=", identity.m_strUserKey2);
   add(L"@", batchStamp);
   add(L",USERKEY3=", identity.m_strUserKey3);
-  add(L",PROCESSID=", std::to_wstring(LeadingInt32(identity.m_strProcessID)));
+  add(L",PROCESSID=", ToDecimal(LeadingInt32(identity.m_strProcessID)));
   return text;
 }
 

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "records/number_text.h"
+
 namespace iorder {
 
 CStrategyOpenLottery::CStrategyOpenLottery(IStrategyHost& owner, std::wstring installPath)
@@ -56,7 +58,7 @@ void CStrategyOpenLottery::SetStatus(int32_t status) {
 
 std::wstring CStrategyOpenLottery::StampText() const {
   const int64_t runs = m_llStamp;
-  return runs == 0 ? std::wstring() : std::to_wstring(runs - 1);
+  return runs == 0 ? std::wstring() : ToDecimal(runs - 1);
 }
 
 void CStrategyOpenLottery::ParseOrderInfo() {

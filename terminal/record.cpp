@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "records/number_text.h"
+
 namespace iorder {
 namespace {
 
@@ -13,7 +15,7 @@ constexpr std::wstring_view kTimeFormat = L"TradeTimeFormat";
 class CPacker {
  public:
   void AddText(std::wstring_view text) {
-    m_packed += std::to_wstring(text.size());
+    m_packed += ToDecimal(static_cast<int64_t>(text.size()));
     m_packed += L':';
     m_packed += text;
   }
@@ -22,9 +24,9 @@ class CPacker {
     static constexpr wchar_t kKinds[] = {L'-', L'i', L'l', L't'};
     m_packed += kKinds[value.index()];
     if (const int32_t* const int32 = std::get_if<int32_t>(&value)) {
-      AddText(std::to_wstring(*int32));
+      AddText(ToDecimal(*int32));
     } else if (const int64_t* const int64 = std::get_if<int64_t>(&value)) {
-      AddText(std::to_wstring(*int64));
+      AddText(ToDecimal(*int64));
     } else if (const std::wstring* const text = std::get_if<std::wstring>(&value)) {
       AddText(*text);
     } else {
@@ -189,7 +191,7 @@ std::optional<size_t> FindChild(const std::vector<CRecord::Child>& children, std
 
 std::wstring PackFields(const CRecord& record) {
   CPacker packer;
-  packer.AddText(std::to_wstring(record.Fields().size()));
+  packer.AddText(ToDecimal(static_cast<int64_t>(record.Fields().size())));
   for (const auto& [name, value] : record.Fields()) {
     packer.AddText(name);
     packer.AddValue(value);

@@ -36,5 +36,11 @@ TEST(NumberText, ReadsTheLeadingDouble) {
   EXPECT_EQ(LeadingDouble(L"price"), 0.0);
 }
 
+TEST(NumberText, SpellsWholeNumbers) {
+  EXPECT_EQ(ToDecimal(0), L"0");
+  EXPECT_EQ(ToDecimal(-17), L"-17");
+  EXPECT_EQ(ToDecimal(std::numeric_limits<int64_t>::min()), L"-9223372036854775808");
+}
+
 }  // namespace
 }  // namespace iorder
