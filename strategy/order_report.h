@@ -4,31 +4,9 @@
 #include <string>
 
 #include "records/base_data.h"
+#include "records/exec_type.h"
 
 namespace iorder {
-
-/// The execution states that a report tells in "ExecType". They have numbers only; the order service owns
-/// their names.
-namespace exec_type {
-inline constexpr int32_t kWorking = 0;
-inline constexpr int32_t kFirstFilled = 3;  ///< from here to kLastFilled: a fill, or an end
-inline constexpr int32_t kFilled = 3;
-inline constexpr int32_t kPartlyFilled = 6;
-inline constexpr int32_t kLastFilled = 7;
-inline constexpr int32_t kCancelled = 8;
-inline constexpr int32_t kRejected = 10;
-inline constexpr int32_t kRefused = 21;
-
-constexpr bool IsWorking(int32_t type) {
-  return type == kWorking || type == kPartlyFilled;
-}
-constexpr bool IsFill(int32_t type) {
-  return type >= kFirstFilled && type <= kLastFilled;
-}
-constexpr bool IsRejection(int32_t type) {
-  return type == kRejected || type == kRefused;
-}
-}  // namespace exec_type
 
 /// What one report of the order service says. A missing integer is NoInt, a missing price NoValue.
 struct COrderReport {

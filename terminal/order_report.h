@@ -5,19 +5,11 @@
 #include <optional>
 #include <string>
 
+#include "records/exec_type.h"
 #include "terminal/order_list.h"
 #include "terminal/record_bus.h"
 
 namespace iorder {
-
-/// The execution states that the order service reports.
-namespace exec_type {
-inline constexpr int32_t kWorking = 0;
-inline constexpr int32_t kFilled = 3;
-inline constexpr int32_t kPartlyFilled = 6;
-inline constexpr int32_t kCancelled = 8;
-inline constexpr int32_t kRejected = 10;
-}  // namespace exec_type
 
 inline constexpr const wchar_t* kOrderSet = L"TRADE.ORDERSET";
 

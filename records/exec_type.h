@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+
+/// The execution states that a report tells in "ExecType". The engine goes by the numbers alone: their names
+/// are the order service's.
+namespace iorder::exec_type {
+
+inline constexpr int32_t kWorking = 0;
+inline constexpr int32_t kFilled = 3;
+inline constexpr int32_t kPartlyFilled = 6;
+inline constexpr int32_t kCancelled = 8;
+inline constexpr int32_t kRejected = 10;
+inline constexpr int32_t kRefused = 21;
+
+constexpr bool IsWorking(int32_t type) {
+  return type == kWorking || type == kPartlyFilled;
+}
+/// A fill, or an end that counts as one.
+constexpr bool IsFill(int32_t type) {
+  constexpr int32_t kLast = 7;
+  return type >= kFilled && type <= kLast;
+}
+constexpr bool IsRejection(int32_t type) {
+  return type == kRejected || type == kRefused;
+}
+
+}  // namespace iorder::exec_type
