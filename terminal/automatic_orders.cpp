@@ -193,7 +193,7 @@ void CAutomaticOrders::Deliver() {
       number = report->order;
       fields = FieldsOf(m_orders[number].sent, *report);
     }
-    FireReport(m_runtime, m_bus, number - 1, fields);
+    FireReport(m_bus, number - 1, fields);
   }
 }
 

@@ -39,7 +39,7 @@ void CManualAnswers::Report(const ReportAction& report) {
     fields[field.name] = field.value;
   }
   WorkOutQuantities(report, fields);
-  FireReport(m_runtime, m_bus, report.node.value_or(report.order - 1), fields, report.payload);
+  FireReport(m_bus, report.node.value_or(report.order - 1), fields, report.payload);
 }
 
 void CManualAnswers::Child(const ChildAction& child, const Announce& announce) {

@@ -4,7 +4,6 @@
 #include <map>
 #include <string>
 
-#include "platform/world_runtime.h"
 #include "terminal/day.h"
 #include "terminal/order_list.h"
 #include "terminal/order_report.h"
@@ -19,8 +18,7 @@ class CManualAnswers {
   /// Tells the engine of a record on a topic.
   using Announce = std::function<void(const std::wstring& topic, int32_t handle)>;
 
-  CManualAnswers(IWorldRuntime& runtime, CEmbeddedBus& bus, COrderList& orders)
-      : m_runtime(runtime), m_bus(bus), m_orders(orders) {}
+  CManualAnswers(CEmbeddedBus& bus, COrderList& orders) : m_bus(bus), m_orders(orders) {}
 
   void Report(const ReportAction& report);
   void Child(const ChildAction& child, const Announce& announce);
@@ -29,7 +27,6 @@ class CManualAnswers {
  private:
   static void WorkOutQuantities(const ReportAction& report, ReportFields& fields);
 
-  IWorldRuntime& m_runtime;
   CEmbeddedBus& m_bus;
   COrderList& m_orders;
   std::map<int32_t, ReportFields> m_reports;       ///< by order

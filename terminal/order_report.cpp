@@ -35,7 +35,7 @@ ReportFields FirstReport(const SentOrder& order) {
   return fields;
 }
 
-void FireReport(IWorldRuntime& runtime, CEmbeddedBus& bus, int32_t node, const ReportFields& fields,
+void FireReport(CEmbeddedBus& bus, int32_t node, const ReportFields& fields,
                 const std::optional<std::wstring>& payload) {
   RecordChange change;
   for (const auto& [name, value] : fields) {
@@ -43,7 +43,6 @@ void FireReport(IWorldRuntime& runtime, CEmbeddedBus& bus, int32_t node, const R
   }
   bus.ApplyToNode(kOrderSet, node, change);
   bus.Fire(kOrderSet, {false, std::nullopt, payload.value_or(L"BN" + std::to_wstring(node) + L"=[]")});
-  runtime.SleepUntil(runtime.Now(), Precedence::kDayLine);
 }
 
 }  // namespace iorder

@@ -23,10 +23,9 @@ FieldValue Int64Field(int64_t value);
 /// What every report of an order shows: what the order string says, "LevelKey", and "CumQty" 0.
 ReportFields FirstReport(const SentOrder& order);
 
-/// Changes the node of that number and fires the update, with the payload "BN<node>=[]" if none is given. The
-/// engine reads the node when its own thread comes to it, so it gets its turn before this returns. On a
-/// thread of the bus, under no lock.
-void FireReport(IWorldRuntime& runtime, CEmbeddedBus& bus, int32_t node, const ReportFields& fields,
+/// Changes the node of that number and fires the update, with the payload "BN<node>=[]" if none is given. On
+/// a thread of the bus, under no lock.
+void FireReport(CEmbeddedBus& bus, int32_t node, const ReportFields& fields,
                 const std::optional<std::wstring>& payload = std::nullopt);
 
 }  // namespace iorder

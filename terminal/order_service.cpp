@@ -4,7 +4,7 @@ namespace iorder {
 
 COrderService::COrderService(IWorldRuntime& runtime, CEmbeddedBus& bus, CBusThread& busThread,
                              CAccountsRecord& accounts, const std::optional<OrderRules>& rules, uint64_t seed)
-    : m_bus(bus), m_accounts(accounts), m_list(runtime), m_manual(runtime, bus, m_list) {
+    : m_bus(bus), m_accounts(accounts), m_list(runtime), m_manual(bus, m_list) {
   if (rules) {
     m_automatic.emplace(runtime, bus, busThread, accounts, *rules, seed);
   }

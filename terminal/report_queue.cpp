@@ -8,30 +8,34 @@ namespace iorder {
 std::vector<TimePoint> CReportQueue::Add(const OrderReport& report, TimePoint due) {
   Order& order = m_orders[report.order];
   const int32_t number = ++order.reports;
-  due = DueOf(order, due + m_draws.Lateness(report.order, number, m_rules.late));
-  Insert(due, false, report);
+  due += m_draws.Lateness(report.order, number, m_rules.late);
+  std::vector<TimePoint> times = {Put(order, due, report)};
   if (m_draws.Repeats(report.order, number, m_rules.repeat)) {
-    Insert(due, false, report);
+    times.push_back(Put(order, due, report));
   }
   const bool tellsFill = report.filled > std::exchange(order.filled, report.filled);
-  if (m_rules.recFillLag.count() == 0 || !tellsFill) {
-    return {due};
+  if (m_rules.recFillLag.count() > 0 && tellsFill) {
+    times.push_back(Insert(order, times.front() + m_rules.recFillLag, true, report));
   }
-  Insert(due + m_rules.recFillLag, true, report);
-  return {due, due + m_rules.recFillLag};
+  return times;
 }
 
-TimePoint CReportQueue::DueOf(Order& order, TimePoint due) const {
+TimePoint CReportQueue::Put(Order& order, TimePoint due, const OrderReport& report) {
   if (!m_rules.outOfOrder) {
-    due = order.lastDue = std::max(due, order.lastDue);
+    due = std::max(due, order.lastDue);
   }
-  return due;
+  order.lastDue = Insert(order, due, false, report);
+  return order.lastDue;
 }
 
-void CReportQueue::Insert(TimePoint due, bool isFillDetail, const OrderReport& report) {
+TimePoint CReportQueue::Insert(Order& order, TimePoint due, bool isFillDetail, const OrderReport& report) {
+  while (!order.moments.insert(due).second) {
+    due += Milliseconds(1);
+  }
   const auto place = std::upper_bound(m_entries.begin(), m_entries.end(), due,
                                       [](TimePoint time, const Entry& other) { return time < other.due; });
   m_entries.insert(place, {due, ++m_lastNumber, isFillDetail, report});
+  return due;
 }
 
 std::optional<OrderReport> CReportQueue::TakeDue(TimePoint now) {

@@ -4,6 +4,7 @@
 #include <deque>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -27,7 +28,9 @@ struct OrderReport {
 };
 
 /// The reports on their way to the engine: each comes when it is due, and, unless the rules say so, no report
-/// of an order comes before an earlier one of the same order. It has no clock and no lock of its own.
+/// of an order comes before an earlier one of the same order. The engine reads a report some time after it
+/// was told of it, so no two of one order come at the same moment: the later one waits for the next. It has
+/// no clock and no lock of its own.
 class CReportQueue {
  public:
   CReportQueue(const OrderRules& rules, const CAnswerDraws& draws) : m_rules(rules), m_draws(draws) {}
@@ -47,15 +50,16 @@ class CReportQueue {
   };
   struct Order {
     int32_t reports = 0;
-    int64_t filled = 0;  ///< as far as put in
-    TimePoint lastDue;
-    uint64_t toldNumber = 0;  ///< of the newest report that was told
+    int64_t filled = 0;           ///< as far as put in
+    TimePoint lastDue;            ///< of what was put in, but for fill details
+    std::set<TimePoint> moments;  ///< at which something comes, or has come
+    uint64_t toldNumber = 0;      ///< of the newest report that was told
     OrderReport told;
     int64_t received = 0;
   };
 
-  TimePoint DueOf(Order& order, TimePoint due) const;
-  void Insert(TimePoint due, bool isFillDetail, const OrderReport& report);
+  TimePoint Put(Order& order, TimePoint due, const OrderReport& report);
+  TimePoint Insert(Order& order, TimePoint due, bool isFillDetail, const OrderReport& report);
   OrderReport Tell(const Entry& entry);
 
   const OrderRules m_rules;

@@ -85,6 +85,19 @@ class CDrawnRun {
   std::shared_ptr<IBusObject> m_orderSet;
 };
 
+/// Reports of one moment come in a row, one a millisecond.
+constexpr int64_t kRow = 6;
+
+/// The quote by which the fill of a report happened, or none.
+const DrawnOrderDay::Quote* QuoteOf(const DrawnOrderDay& day, const Seen& seen) {
+  const auto quote =
+      std::find_if(day.quotes.begin(), day.quotes.end(), [&](const DrawnOrderDay::Quote& other) {
+        const int64_t behind = seen.at - day.latency - other.at;
+        return behind >= 0 && behind < kRow;
+      });
+  return quote != day.quotes.end() ? &*quote : nullptr;
+}
+
 /// What the tape says of one symbol at a moment at which no quote came.
 struct Market {
   std::optional<int64_t> last;
@@ -167,7 +180,8 @@ void CheckPrices(const DrawnOrderDay& day, const DrawnOrderDay::Order& order,
   Int128 paid = 0;
   for (const Seen& seen : reports) {
     if (seen.filled == filled) continue;
-    const int64_t at = seen.at - day.latency;
+    const DrawnOrderDay::Quote* const quote = QuoteOf(day, seen);
+    const int64_t at = quote != nullptr ? quote->at : arrival;
     const int64_t lots = seen.filled - filled;
     // The average is truncated, so that what was paid for these lots is known to within one per lot.
     const Int128 now = Int128{seen.average} * seen.filled;
@@ -175,20 +189,18 @@ void CheckPrices(const DrawnOrderDay& day, const DrawnOrderDay::Order& order,
     filled = seen.filled;
     paid = now;
     EXPECT_GE(at, arrival);
+    EXPECT_LT(seen.at - day.latency - at, kRow);
     EXPECT_LE(at, order.cancelledAt ? *order.cancelledAt + day.latency : at);
     if (limit) {
       EXPECT_EQ(*limit * kUnit, seen.average);
       EXPECT_EQ(*limit * kUnit, seen.price);
     }
     if (day.fill == "immediate" && limit) continue;
-    const auto quote = std::find_if(day.quotes.begin(), day.quotes.end(),
-                                    [&](const DrawnOrderDay::Quote& other) { return other.at == at; });
     std::vector<std::optional<int64_t>> supports;
-    if (quote != day.quotes.end()) {
+    if (quote != nullptr) {
       EXPECT_EQ(order.symbol, quote->symbol);
       supports = {quote->price, order.isBuy ? quote->ask : quote->bid};
     } else {
-      EXPECT_EQ(arrival, at);
       const Market market = MarketAt(day, order.symbol, at);
       const std::optional<int64_t>& best = order.isBuy ? market.ask : market.bid;
       supports = {best, !limit || !best ? market.last : std::nullopt};
@@ -226,11 +238,11 @@ void CheckNothingMissed(const DrawnOrderDay& day, const DrawnOrderDay::Order& or
 /// What one moment of the tape gives all orders together is within its shares.
 void CheckShares(const DrawnOrderDay& day, CDrawnRun& run) {
   if (day.fill == "immediate") return;
-  std::map<int64_t, int64_t> lotsAt;
+  std::map<const DrawnOrderDay::Quote*, int64_t> lotsOf;
   for (size_t i = 0; i < day.orders.size(); ++i) {
     int64_t filled = 0;
     for (const Seen& seen : run.Of(i)) {
-      lotsAt[seen.at - day.latency] += seen.filled - filled;
+      lotsOf[QuoteOf(day, seen)] += seen.filled - filled;
       filled = seen.filled;
     }
   }
@@ -238,7 +250,7 @@ void CheckShares(const DrawnOrderDay& day, CDrawnRun& run) {
     const auto share = [&](const std::optional<int64_t>& lots) {
       return lots.value_or(0) * day.partialPercent / 100;
     };
-    EXPECT_LE(lotsAt[quote.at], share(quote.quantity) + share(quote.bidQuantity) + share(quote.askQuantity))
+    EXPECT_LE(lotsOf[&quote], share(quote.quantity) + share(quote.bidQuantity) + share(quote.askQuantity))
         << "at " << quote.at << " ms";
   }
 }

@@ -40,8 +40,8 @@ TEST(ReportQueue, AReportComesWhenItIsDue) {
 TEST(ReportQueue, NoReportOfAnOrderComesBeforeAnEarlierOne) {
   CReportQueue queue({}, CAnswerDraws(0));
   queue.Add(Report(1, 1), At(9));
-  EXPECT_THAT(queue.Add(Report(1, 2), At(4)), ElementsAre(At(9)));
-  EXPECT_THAT(TakeAll(queue, 20), ElementsAre("9 1:1/1", "9 1:2/2"));
+  EXPECT_THAT(queue.Add(Report(1, 2), At(4)), ElementsAre(At(10)));
+  EXPECT_THAT(TakeAll(queue, 20), ElementsAre("9 1:1/1", "10 1:2/2"));
 }
 
 TEST(ReportQueue, LateReportsKeepTheirOrderUnlessTheyMayOvertake) {
@@ -64,12 +64,25 @@ TEST(ReportQueue, LateReportsKeepTheirOrderUnlessTheyMayOvertake) {
   EXPECT_TRUE(isOneOvertaken);
 }
 
+TEST(ReportQueue, NoTwoReportsOfAnOrderComeAtTheSameMoment) {
+  OrderRules rules;
+  rules.outOfOrder = true;
+  rules.recFillLag = Milliseconds(4);
+  CReportQueue queue(rules, CAnswerDraws(0));
+  queue.Add(Report(1, 1), At(5));
+  queue.Add(Report(1, 1), At(5));
+  queue.Add(Report(2, 1), At(5));
+  queue.Add(Report(1, 1), At(9));
+  EXPECT_THAT(TakeAll(queue, 20),
+              ElementsAre("5 1:1/0", "5 2:1/0", "6 1:1/0", "9 1:1/1", "9 2:1/1", "10 1:1/1"));
+}
+
 TEST(ReportQueue, ARepeatedReportComesTwice) {
   OrderRules rules;
   rules.repeat = kWholeShare;
   CReportQueue queue(rules, CAnswerDraws(0));
   queue.Add(Report(1, 1), At(5));
-  EXPECT_THAT(TakeAll(queue, 20), ElementsAre("5 1:1/1", "5 1:1/1"));
+  EXPECT_THAT(TakeAll(queue, 20), ElementsAre("5 1:1/1", "6 1:1/1"));
 }
 
 TEST(ReportQueue, WhatWasReceivedOfAFillLagsBehindAndIsCompletedOnce) {
