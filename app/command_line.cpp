@@ -79,6 +79,17 @@ CLI::Validator EitherWord(const std::string& first, const std::string& second) {
       first + '|' + second);
 }
 
+CLI::Validator FillWord() {
+  return CLI::Validator(
+      [](std::string& text) -> std::string {
+        for (const char* const word : {"touch", "through", "immediate", "none"}) {
+          if (text == word) return "";
+        }
+        return fmt::format("'{}', expected touch, through, immediate or none", text);
+      },
+      "touch|through|immediate|none");
+}
+
 std::pair<std::string, std::string> ReadAccount(const std::string& option, const std::string& text) {
   const size_t slash = text.find('/');
   if (slash == std::string::npos || slash == 0 || slash + 1 == text.size()) {

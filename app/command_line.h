@@ -49,6 +49,8 @@ CLI::Validator Number(double above, double highest);
 
 /// One of two words.
 CLI::Validator EitherWord(const std::string& first, const std::string& second);
+/// Takes the words that say how orders are filled.
+CLI::Validator FillWord();
 
 /// The two halves of "BROKER/ACCOUNT", told with `option`; InputError for any other text.
 std::pair<std::string, std::string> ReadAccount(const std::string& option, const std::string& text);

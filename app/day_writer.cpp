@@ -74,12 +74,19 @@ void CDayWriter::Line(Fill&& fill) {
   m_file.Write(line.Line());
 }
 
-CDayWriter::CDayWriter(const std::filesystem::path& path, LocalTime start, LocalTime end) : m_file(path) {
+CDayWriter::CDayWriter(const std::filesystem::path& path, LocalTime start, LocalTime end,
+                       std::string_view fill)
+    : m_file(path) {
   Line([&](CObjectWriter& line) {
     line.Begin("day");
     line.Text("start", TimeText(start));
     line.Text("end", TimeText(end));
     line.Text("timezone", "Asia/Taipei");
+    if (!fill.empty()) {
+      line.Begin("orders");
+      line.Text("fill", fill);
+      line.End();
+    }
     line.End();
   });
 }

@@ -33,8 +33,9 @@ class CDayWriter {
  public:
   using Fields = std::vector<std::pair<std::string, std::string>>;
 
-  /// Writes the head. Both moments are local times of Asia/Taipei.
-  CDayWriter(const std::filesystem::path& path, LocalTime start, LocalTime end);
+  /// Writes the head. Both moments are local times of Asia/Taipei. `fill` says how orders are filled
+  /// ("touch"); empty: nobody answers them by itself.
+  CDayWriter(const std::filesystem::path& path, LocalTime start, LocalTime end, std::string_view fill);
 
   void Note(std::string_view text);
   void Settings(std::string_view path, std::string_view text);

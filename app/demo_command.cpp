@@ -134,6 +134,7 @@ int Run(uint64_t seed) {
   const CScratchPath folder = CScratchPath::NewFolder();
   MakeDayOptions options = DefaultDay();
   options.seed = seed;
+  options.fill = "touch";
   options.day = folder.Path() / "demo.day.jsonl";
   MakeDay(options, [](int64_t) {});
   const Story story = PlayDay(options);

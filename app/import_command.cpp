@@ -56,6 +56,8 @@ void AddImportCommand(CLI::App& program, Job& job) {
       ->capture_default_str();
   command->add_option("--account", arguments->account, "BROKER/ACCOUNT that is connected")
       ->capture_default_str();
+  command->add_option("--orders", options.fill, "How orders are filled [nobody answers orders]")
+      ->check(FillWord());
   command
       ->add_option("--out", options.day,
                    "The day file to write, NAME.day.jsonl; its ticks go to NAME.ticks.csv beside it")

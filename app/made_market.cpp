@@ -41,7 +41,8 @@ std::vector<int64_t> ChooseStrikes(int64_t price, int count) {
 
 }  // namespace
 
-CMadeMarket::CMadeMarket(const MarketShape& shape, uint64_t seed) : m_shape(shape), m_random(seed) {
+CMadeMarket::CMadeMarket(const MarketShape& shape, uint64_t seed)
+    : m_shape(shape), m_random(seed), m_depth(~seed) {
   const double volatility = shape.volatility / 100.0;
   const auto price = static_cast<double>(shape.price);
   // A quarter of a day stands for what is left on the last day.
@@ -99,7 +100,7 @@ MadeTrade CMadeMarket::Trade(int64_t index, int64_t count) {
   MoveFuture(trade.after);
   MadeSeries& series = DrawSeries(trade.after);
   trade.series = &series;
-  trade.price = DrawPrice(series);
+  DrawPrice(trade);
   trade.quantity = Between(1, 5);
   trade.opens = series.volume == 0;
   series.volume += trade.quantity;
@@ -107,7 +108,9 @@ MadeTrade CMadeMarket::Trade(int64_t index, int64_t count) {
 }
 
 MadeTrade CMadeMarket::AuctionTrade(MadeSeries& series) {
-  MadeTrade trade{.series = &series, .price = DrawPrice(series), .quantity = Between(5, 80), .opens = true};
+  MadeTrade trade{.series = &series, .opens = true};
+  DrawPrice(trade);
+  trade.quantity = Between(5, 80);
   series.volume = trade.quantity;
   return trade;
 }
@@ -137,16 +140,29 @@ void CMadeMarket::MoveFuture(int64_t after) {
   }
 }
 
-int64_t CMadeMarket::DrawPrice(const MadeSeries& series) {
-  if (series.strike == 0) return (m_future + Between(-500, 500) + kThousandths / 2) / kThousandths * 10;
+void CMadeMarket::DrawPrice(MadeTrade& trade) {
+  const MadeSeries& series = *trade.series;
+  trade.bidQuantity = 1 + m_depth.Below(20);
+  trade.askQuantity = 1 + m_depth.Below(20);
+  if (series.strike == 0) {
+    const int64_t worth = (m_future + kThousandths / 2) / kThousandths * 10;
+    trade.price = (m_future + Between(-500, 500) + kThousandths / 2) / kThousandths * 10;
+    trade.bid = worth - 10;
+    trade.ask = worth + 10;
+    return;
+  }
   const double future = static_cast<double>(m_future) / kThousandths;
   const auto strike = static_cast<double>(series.strike);
   const double premium =
       series.isCall ? CallPremium(future, strike, m_deviation) : PutPremium(future, strike, m_deviation);
   const int64_t price = RoundToOptionTick(premium);
   // Buyers and sellers meet up to a tick beside it.
-  const int64_t moved = price + Between(-1, 1) * OptionTick(price);
-  return RoundToOptionTick(static_cast<double>(moved) / 10);
+  const auto beside = [price](int64_t ticks) {
+    return RoundToOptionTick(static_cast<double>(price + ticks * OptionTick(price)) / 10);
+  };
+  trade.price = beside(Between(-1, 1));
+  trade.bid = beside(-1) < price ? beside(-1) : 0;
+  trade.ask = beside(1);
 }
 
 }  // namespace iorder

@@ -31,12 +31,16 @@ struct MarketShape {
   std::string chain;   ///< symbol of the options up to the month
 };
 
-/// One trade. The price is in tenths of a point.
+/// One trade, and the best prices behind it. Prices are in tenths of a point.
 struct MadeTrade {
   int64_t after = 0;  ///< ms behind the opening
   MadeSeries* series = nullptr;
   int64_t price = 0;
   int64_t quantity = 0;
+  int64_t bid = 0;  ///< 0: none
+  int64_t ask = 0;
+  int64_t bidQuantity = 0;
+  int64_t askQuantity = 0;
   bool opens = false;  ///< the first one of the series
 };
 
@@ -61,10 +65,12 @@ class CMadeMarket {
   int64_t TradeTime(int64_t index, int64_t count);
   MadeSeries& DrawSeries(int64_t after);
   void MoveFuture(int64_t after);
-  int64_t DrawPrice(const MadeSeries& series);
+  /// Draws the price, and sets the best prices on both sides of what the series is worth.
+  void DrawPrice(MadeTrade& trade);
 
   MarketShape m_shape;
   CRandom m_random;
+  CRandom m_depth;            ///< of the best prices' quantities
   double m_deviation = 0;     ///< of the future until expiry, points
   int64_t m_largestDraw = 0;  ///< of the four draws that make one second's move, thousandths of a point
   int64_t m_future = 0;       ///< its price, thousandths of a point

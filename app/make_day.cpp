@@ -73,9 +73,10 @@ std::string OptionsText(const MakeDayOptions& options) {
   return fmt::format(
       "made by iorder make-day --seed {} --strikes {} --ticks {} --start {} --minutes {} --price {} "
       "--volatility {} "
-      "--account {}/{}",
+      "--account {}/{}{}",
       options.seed, options.strikes, options.ticks, TimeText(options.start), options.minutes, options.price,
-      options.volatility, options.broker, options.account);
+      options.volatility, options.broker, options.account,
+      options.fill.empty() ? std::string() : " --orders " + options.fill);
 }
 
 void WriteReferenceData(CDayWriter& day, const std::string& month) {
@@ -148,23 +149,26 @@ void MakeDay(const MakeDayOptions& options, const std::function<void(int64_t tic
                      options.seed);
 
   const std::filesystem::path tickFile = TickFileOf(options.day);
-  CDayWriter day(options.day, options.start - kMargin, end + kMargin);
+  CDayWriter day(options.day, options.start - kMargin, end + kMargin, options.fill);
   day.Note(OptionsText(options));
   WriteReferenceData(day, month);
   day.Account(options.broker, options.account);
   WriteSeries(day, market, month, Date8(expiry), options.price);
   day.Ticks(tickFile.filename().string());
 
-  CTickWriter ticks(tickFile);
+  CTickWriter ticks(tickFile, std::nullopt, !options.fill.empty());
   for (int64_t index = 0; index < options.ticks; ++index) {
     const MadeTrade trade = market.Trade(index, options.ticks);
     const std::string price = PriceText(trade.price);
+    const std::string bid = PriceText(trade.bid);
+    const std::string ask = PriceText(trade.ask);
     ticks.Append({.at = options.start + Milliseconds(trade.after),
                   .symbol = trade.series->symbol,
                   .price = price,
                   .quantity = trade.quantity,
                   .volume = trade.series->volume,
-                  .open = trade.opens ? std::string_view(price) : std::string_view()});
+                  .open = trade.opens ? std::string_view(price) : std::string_view(),
+                  .best = {bid, ask, trade.bidQuantity, trade.askQuantity}});
     if (index % 65536 == 65535) progress(index + 1);
   }
   ticks.Commit();

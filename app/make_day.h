@@ -20,6 +20,7 @@ struct MakeDayOptions {
   int volatility = 20;    ///< in percent a year
   std::string broker = "B1";
   std::string account = "A1";
+  std::string fill;           ///< how orders are filled ("touch"); empty: nobody answers them by itself
   std::filesystem::path day;  ///< the day file; the tick file lies beside it
 };
 

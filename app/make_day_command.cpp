@@ -75,12 +75,17 @@ void AddMakeDayCommand(CLI::App& program, Job& job) {
       ->capture_default_str();
   command->add_option("--account", arguments->account, "BROKER/ACCOUNT that is connected")
       ->default_str(options.broker + "/" + options.account);
+  command
+      ->add_option("--orders", options.fill,
+                   "How orders are filled; the ticks then tell the best prices too [nobody answers orders]")
+      ->check(FillWord());
   command->add_option("--out", arguments->day,
                       "The day file to write, NAME.day.jsonl; its ticks go to NAME.ticks.csv beside it "
                       "[made-SEED.day.jsonl]");
   command->footer(
       Examples("  iorder make-day --seed 7\n"
                "  iorder make-day --seed 7 --start 2024-03-04T15:00 --minutes 840 --out night.day.jsonl\n"
+               "  iorder make-day --seed 7 --orders touch\n"
                "  iorder make-day --seed 7 --strikes 1000 --ticks 10000000 --out large.day.jsonl"));
   command->callback([&job, arguments] { job = [arguments] { return Run(*arguments); }; });
 }

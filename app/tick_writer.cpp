@@ -23,9 +23,11 @@ void AppendNumber(std::string& text, int64_t number) {
 
 }  // namespace
 
-CTickWriter::CTickWriter(const std::filesystem::path& path, std::optional<std::chrono::hours> utcOffset)
-    : m_file(path), m_utcOffset(utcOffset) {
-  m_text = utcOffset ? "at,date,time,symbol,price,qty,volume,open\n" : "at,symbol,price,qty,volume,open\n";
+CTickWriter::CTickWriter(const std::filesystem::path& path, std::optional<std::chrono::hours> utcOffset,
+                         bool hasBest)
+    : m_file(path), m_utcOffset(utcOffset), m_hasBest(hasBest) {
+  m_text = utcOffset ? "at,date,time,symbol,price,qty,volume,open" : "at,symbol,price,qty,volume,open";
+  m_text += hasBest ? ",bid,ask,bid_qty,ask_qty\n" : "\n";
 }
 
 void CTickWriter::Append(const TradeRow& row) {
@@ -35,7 +37,9 @@ void CTickWriter::Append(const TradeRow& row) {
   AppendNumber(m_text, row.quantity);
   m_text += ',';
   AppendNumber(m_text, row.volume);
-  m_text.append(",").append(row.open).append("\n");
+  m_text.append(",").append(row.open);
+  if (m_hasBest) AppendBest(row.best);
+  m_text += '\n';
   if (m_text.size() > kPiece) Flush();
 }
 
@@ -74,6 +78,13 @@ void CTickWriter::AppendUtc(LocalTime utc) {
   const int64_t time = (utc - day).count();
   m_text += ',';
   AppendNumber(m_text, time / 3600000 * 10000 + time / 60000 % 60 * 100 + time / 1000 % 60);
+}
+
+void CTickWriter::AppendBest(const BestRow& best) {
+  m_text.append(",").append(best.bid).append(",").append(best.ask).append(",");
+  AppendNumber(m_text, best.bidQuantity);
+  m_text += ',';
+  AppendNumber(m_text, best.askQuantity);
 }
 
 void CTickWriter::Flush() {

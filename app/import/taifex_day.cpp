@@ -64,7 +64,7 @@ CDayWriter::Fields ContractAttributes(const TaifexDay& day) {
 }  // namespace
 
 CDayWriter WriteTaifexDay(const std::filesystem::path& path, const TaifexDay& day) {
-  CDayWriter writer(path, day.date.Opens() - kMargin, day.date.Closes() + kMargin);
+  CDayWriter writer(path, day.date.Opens() - kMargin, day.date.Closes() + kMargin, day.fill);
   writer.Settings("ComShared/SystemSettings.ini", "[SYSTEM]\nSystemName=TAIFEX\n");
   writer.Settings("ComShared/OpenLottery.ini", UnderlyingSettings(day));
   for (const TaifexSeries& series : day.series) {

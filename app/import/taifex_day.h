@@ -16,6 +16,7 @@ struct TaifexDay {
   std::set<TaifexSeries> series;  ///< every option and future that the day lists
   std::string brokerId;
   std::string account;
+  std::string fill;  ///< how orders are filled; empty: nobody answers them by itself
 };
 
 /// Begins a day file: the head, the clock running from 15 minutes before the session to 15 minutes after it;

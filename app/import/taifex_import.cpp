@@ -131,7 +131,7 @@ TaifexImportResult ImportTaifex(const TaifexImportOptions& options) {
   const std::set<TaifexSeries> tradedOptions = Traded(optionTrades);
   const std::set<TaifexSeries> tradedFutures = Traded(futureTrades);
 
-  TaifexDay day{*date, tradedFutures, options.brokerId, options.account};
+  TaifexDay day{*date, tradedFutures, options.brokerId, options.account, options.fill};
   for (const TaifexSeries& series : tradedOptions) AddBothRights(series, day.series);
   if (!options.seriesFile.empty()) AddListed(options.seriesFile, *date, day.series);
 
@@ -142,7 +142,7 @@ TaifexImportResult ImportTaifex(const TaifexImportOptions& options) {
   result.tickFile = TickFileOf(options.day);
   CDayWriter dayWriter = WriteTaifexDay(options.day, day);
   dayWriter.Ticks(result.tickFile.filename().string());
-  CTickWriter tickWriter(result.tickFile, kUtcOffset);
+  CTickWriter tickWriter(result.tickFile, kUtcOffset, false);
   result.ticks = WriteTicks(futureTrades, optionTrades, tickWriter);
   tickWriter.Commit();
   dayWriter.Commit();

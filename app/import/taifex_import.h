@@ -18,6 +18,7 @@ struct TaifexImportOptions {
   std::filesystem::path day;  ///< NAME.day.jsonl; its ticks go to NAME.ticks.csv beside it
   std::string brokerId = "B1";
   std::string account = "A1";
+  std::string fill;  ///< how orders are filled ("touch"); empty: nobody answers them by itself
   /// Called now and then with the bytes read so far and the bytes to read (0: not known); may be missing.
   std::function<void(uint64_t, uint64_t)> progress;
 };

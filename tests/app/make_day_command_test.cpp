@@ -59,6 +59,33 @@ TEST(MakeDay, SameSeedSameFiles) {
   EXPECT_NE(folder.Read("a.ticks.csv"), ticks);
 }
 
+TEST(MakeDay, ADayThatAnswersOrdersTellsTheBestPricesBesideTheSameTrades) {
+  const CProgramFolder folder;
+  ASSERT_EQ(folder.Run("make-day --seed 5 --ticks 3000 --out a.day.jsonl").exitCode, 0);
+  ASSERT_EQ(folder.Run("make-day --seed 5 --ticks 3000 --orders through --out b.day.jsonl").exitCode, 0);
+  EXPECT_THAT(folder.Read("b.day.jsonl"), HasSubstr(R"("orders":{"fill":"through"})"));
+  EXPECT_THAT(folder.Read("a.day.jsonl"), Not(HasSubstr("orders")));
+  std::istringstream plain(folder.Read("a.ticks.csv"));
+  std::istringstream withBest(folder.Read("b.ticks.csv"));
+  std::string trade, line;
+  std::getline(plain, trade);
+  std::getline(withBest, line);
+  EXPECT_EQ(line, trade + ",bid,ask,bid_qty,ask_qty");
+  while (std::getline(plain, trade) && std::getline(withBest, line)) {
+    ASSERT_TRUE(line.starts_with(trade + ","));
+    double bid = 0, ask = 0, price = 0;
+    int bidQuantity = 0, askQuantity = 0;
+    ASSERT_EQ(4, std::sscanf(line.c_str() + trade.size(), ",%lf,%lf,%d,%d", &bid, &ask, &bidQuantity,
+                             &askQuantity));
+    price = std::stod(trade.substr(trade.find(',', trade.find(',') + 1) + 1));
+    EXPECT_LT(bid, ask) << line;
+    EXPECT_LE(bid - 1e-9, price) << line;
+    EXPECT_GE(ask + 1e-9, price) << line;
+    EXPECT_TRUE(bidQuantity >= 1 && askQuantity >= 1) << line;
+  }
+  EXPECT_EQ(2, folder.Run("make-day --orders tuch").exitCode);
+}
+
 /// FNV-1a.
 uint64_t Hash(const std::string& text) {
   uint64_t hash = 0xCBF29CE484222325u;
