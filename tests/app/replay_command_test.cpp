@@ -3,6 +3,7 @@
 #include <rapidjson/document.h>
 
 #include <algorithm>
+#include <fstream>
 #include <sstream>
 
 #include "tests/app/program_folder.h"
@@ -53,6 +54,34 @@ TEST_F(Replay, PrintsOrdersAndTheClosingTable) {
                           "strategy          state        accepted  orders    lots          cash  ended by\n"
                           "OpenLottery_S1_1  not running         2       2       5          3750  stop time\n"
                           "2 orders, 0 cancels, 0 faults\n"));
+}
+
+/// The lines of the document's example that begins with this command, but for the dots.
+std::vector<std::string> ExampleInDocument(const std::string& command) {
+  std::ifstream file(std::string(IORDER_DOCS) + "/commands.md");
+  std::vector<std::string> example;
+  bool isInside = false;
+  for (std::string line; std::getline(file, line);) {
+    const bool isBlock = line.starts_with("    ") || line.empty();
+    if (line == "    $ " + command) {
+      isInside = true;
+    } else if (isInside && isBlock) {
+      if (!line.empty() && line != "    ...") example.push_back(line.substr(4));
+    } else {
+      isInside = false;
+    }
+  }
+  return example;
+}
+
+TEST_F(Replay, TheDocumentShowsWhatIsPrinted) {
+  for (const std::string day : {"five-strikes", "profit-limit"}) {
+    const std::vector<std::string> shown =
+        ExampleInDocument("iorder replay examples/days/" + day + ".day.jsonl");
+    const std::string output = Output(kExamples + "/days/" + day + ".day.jsonl");
+    EXPECT_GT(shown.size(), 5u) << day;
+    for (const std::string& line : shown) EXPECT_THAT(output, HasSubstr(line + "\n")) << day;
+  }
 }
 
 TEST_F(Replay, AsJsonEveryLineIsAnObject) {
