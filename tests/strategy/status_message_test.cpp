@@ -43,6 +43,15 @@ TEST(StatusMessage, AMessageWithoutABodyHasNoData) {
       message.Finish());
 }
 
+TEST(StatusMessage, TheMessageOfATagNamesNoSingleStrategy) {
+  CStatusMessage message("TotalProfit", L"T", 2);
+  message.Integer("Cost", 375).Number("PnL", 75.009);
+  EXPECT_EQ(
+      LR"({"StrategyType":"OpenLottery","StrategyTag":"T","MsgType":"TotalProfit",)"
+      LR"("Data":{"Cost":375,"PnL":75.0}})",
+      message.Finish());
+}
+
 TEST(StatusMessage, KeysStandInTheOrderInWhichTheyCome) {
   CStatusMessage message({}, "M");
   message.Text("Z", L"").Integer("A", 1).Number("M", 1.5);
