@@ -133,6 +133,11 @@ class IRuntime {
 
   virtual DateTime LocalTime() = 0;
   virtual DateTime UtcTime() = 0;
+  virtual TimePoint Now() = 0;
+  /// The moment at which the local clock shows `local` (its dayOfWeek isn't read): the earlier one if it does
+  /// so twice, the moment of the change if it never does. A day behind the end of its month counts on.
+  virtual TimePoint FromLocal(const DateTime& local) = 0;
+  virtual DateTime ToLocal(TimePoint time) = 0;
 
   virtual Guid NewGuid() = 0;
   /// A small number for an object whose address would otherwise show in texts: 1, 2, 3 and so on, never given

@@ -22,10 +22,6 @@ class IWorldRuntime : public IRuntime {
   /// empty is good.
   virtual std::vector<std::string> Run(const std::function<void()>& main) = 0;
 
-  virtual TimePoint Now() = 0;
-  /// The moment at which the local clock shows `local` (its dayOfWeek isn't read).
-  virtual TimePoint FromLocal(const DateTime& local) = 0;
-  virtual DateTime ToLocal(TimePoint time) = 0;
   virtual DateTime ToUtc(TimePoint time) = 0;
 
   /// Sleeps until `time`; a time that has passed returns at once. In virtual time a call that nothing else

@@ -32,6 +32,9 @@ class CWrappedRuntime : public IRuntime {
   const std::wstring& CurrentThreadName() override { return m_runtime.CurrentThreadName(); }
   DateTime LocalTime() override { return m_runtime.LocalTime(); }
   DateTime UtcTime() override { return m_runtime.UtcTime(); }
+  TimePoint Now() override { return m_runtime.Now(); }
+  TimePoint FromLocal(const DateTime& local) override { return m_runtime.FromLocal(local); }
+  DateTime ToLocal(TimePoint time) override { return m_runtime.ToLocal(time); }
   Guid NewGuid() override { return m_runtime.NewGuid(); }
   uint32_t NewObjectNumber() override { return m_runtime.NewObjectNumber(); }
   int64_t MakeReference(void* object) override { return m_runtime.MakeReference(object); }
