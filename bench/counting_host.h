@@ -38,6 +38,7 @@ class CCountingHost : public IStrategyHost {
   std::vector<std::wstring> QueryOptionList(const std::wstring&) override { return {}; }
   std::wstring GetStringFromSecurity(const std::wstring&, const std::wstring&) override { return L"50"; }
   ScaledValue RoundToTick(const std::wstring&, double price) override { return ToScaled(price); }
+  int32_t GetTradingDays(const std::wstring&, int32_t, int32_t) override { return 0; }
   bool IsAccountReady(const std::wstring&, const std::wstring&) override { return true; }
   void EnqueueQuote(const CQuoteData&) override {}
 

@@ -40,6 +40,7 @@ CIntelligentOrder::CIntelligentOrder(World& world)
       m_database(world),
       m_optionLists(*this, m_database),
       m_security(*this),
+      m_calendar(*this),
       m_strategies(world.runtime),
       m_quotes(*this, [this](const std::wstring& symbol) { return m_strategies.AnyHolds(symbol); }),
       m_quoteQueue(world.runtime),

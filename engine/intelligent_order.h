@@ -22,6 +22,7 @@
 #include "reference/quote_queue.h"
 #include "reference/quote_subscriptions.h"
 #include "reference/security_attributes.h"
+#include "reference/trading_calendar.h"
 #include "strategy/strategy_host.h"
 
 namespace iorder {
@@ -91,6 +92,9 @@ class CIntelligentOrder final : public CBaseDataEventReceiver,
   }
   ScaledValue RoundToTick(const std::wstring& symbol, double price) override {
     return m_security.RoundToTick(symbol, price);
+  }
+  int32_t GetTradingDays(const std::wstring& symbol, int32_t endDate, int32_t startDate) override {
+    return m_calendar.GetTradingDays(symbol, endDate, startDate);
   }
   bool IsAccountReady(const std::wstring& broker, const std::wstring& account) override {
     return m_accounts.IsReady(broker, account);
@@ -178,6 +182,7 @@ class CIntelligentOrder final : public CBaseDataEventReceiver,
   CSymbolDatabaseAccess m_database;
   COptionLists m_optionLists;
   CSecurityAttributes m_security;
+  CTradingCalendar m_calendar;
   CStrategyRegistry m_strategies;
   CQuoteSubscriptions m_quotes;
   CQuoteQueue m_quoteQueue;

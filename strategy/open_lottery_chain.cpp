@@ -1,23 +1,11 @@
 #include <fmt/printf.h>
 #include <fmt/xchar.h>
 
+#include "strategy/order_pricing.h"
 #include "strategy/strategy_open_lottery.h"
 #include "strategy/strike_selection.h"
 
 namespace iorder {
-
-namespace {
-
-/// The quote field that a price type names; 0 for any other text.
-int32_t PriceField(const std::wstring& priceType) {
-  if (priceType == L"O") return quote_field::kOpen;
-  if (priceType == L"L") return quote_field::kPrice;
-  if (priceType == L"Y") return quote_field::kPriceY;
-  if (priceType == L"R") return quote_field::kPriceR;
-  return priceType == L"P" ? quote_field::kPriceP : 0;
-}
-
-}  // namespace
 
 void CStrategyOpenLottery::GetSymbolList() {
   if (m_bSymbolListReady != 0) return;

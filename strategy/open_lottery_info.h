@@ -63,6 +63,10 @@ struct COpenLotteryInfo {
   void Read(const rapidjson::Value& root);
 
   bool IsPut() const { return m_strCP == L"P"; }
+  bool CalculatesPrice() const { return m_lOrderPriceType == 2; }
+  /// The volatility is the analytics record's; -1 says so, and what -1 is left of without its fraction.
+  bool TakesMarketVolatility() const { return Truncate(m_dbVolatility) == -1; }
+  bool GoesByCalendarDays() const { return m_strEndDate == L"C"; }
   bool RunsOn(int64_t weekday) const { return (m_llDayOfWeek >> (weekday & 31) & 1) != 0; }
   /// The minute before the start time; NoValue without one.
   int64_t ResetTime() const;

@@ -43,7 +43,8 @@ void CStrategyOpenLottery::DoPlaceOrder() {
   const InfoPtr info = Info();
   std::vector<CBatchSymbol> symbols = SymbolsInOrder(newSymbols);
   const int64_t cashLeft = AllocateLots(
-      symbols, info->m_llCash, ChainWeight(), [&](const std::wstring&) { return OrderPriceOf(*info); },
+      symbols, info->m_llCash, ChainWeight(),
+      [&](const std::wstring& symbol) { return OrderPriceOf(*info, symbol); },
       [this](const std::wstring& line) { WriteLog(line); });
   const int64_t totalCashOrder = WholeDifference(info->m_llCash, cashLeft);
   {
@@ -113,10 +114,8 @@ std::vector<CBatchSymbol> CStrategyOpenLottery::SymbolsInOrder(const std::vector
   return symbols;
 }
 
-double CStrategyOpenLottery::OrderPriceOf(const COpenLotteryInfo& info) {
-  // A calculated price (type 2) takes its place here once it can be calculated; until then such an order has
-  // no price.
-  return info.m_lOrderPriceType == 2 ? NoPrice : info.m_dbOrderPrice;
+double CStrategyOpenLottery::OrderPriceOf(const COpenLotteryInfo& info, const std::wstring& symbol) {
+  return info.CalculatesPrice() ? GetCalOrderPrice(info, symbol) : info.m_dbOrderPrice;
 }
 
 double CStrategyOpenLottery::ChainWeight() {

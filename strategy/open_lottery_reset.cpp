@@ -11,8 +11,6 @@ namespace {
 constexpr std::wstring_view kFuturePrefix = L"ND.F.";
 constexpr std::wstring_view kUnderlyingFuturePrefix = L"ND.F.U_";
 constexpr size_t kUnderlyingLimit = 256;
-constexpr int32_t kCalculatedPrice = 2;
-constexpr int64_t kMarketVolatility = -1;
 
 }  // namespace
 
@@ -150,7 +148,7 @@ void CStrategyOpenLottery::SubscribeUnderlying(const COpenLotteryInfo& info, con
                                                const std::wstring& greeks) {
   m_pQuoteUnderlying = SubscribeQuote(underlying).get();
   m_mapSymbols.Add(underlying);
-  if (Truncate(info.m_dbVolatility) == kMarketVolatility && info.m_lOrderPriceType == kCalculatedPrice) {
+  if (info.TakesMarketVolatility() && info.CalculatesPrice()) {
     m_pQuoteGreeks = SubscribeQuote(greeks).get();
     m_mapSymbols.Add(greeks);
   }

@@ -38,6 +38,8 @@ class IStrategyHost {
   virtual std::vector<std::wstring> QueryOptionList(const std::wstring& symbol) = 0;
   virtual std::wstring GetStringFromSecurity(const std::wstring& symbol, const std::wstring& attribute) = 0;
   virtual ScaledValue RoundToTick(const std::wstring& symbol, double price) = 0;
+  /// As CTradingCalendar has them; a date that can't be raises CPlatformError.
+  virtual int32_t GetTradingDays(const std::wstring& symbol, int32_t endDate, int32_t startDate) = 0;
   virtual bool IsAccountReady(const std::wstring& broker, const std::wstring& account) = 0;
   /// Hands a snapshot to the profit monitor.
   virtual void EnqueueQuote(const CQuoteData& quote) = 0;

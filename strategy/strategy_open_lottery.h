@@ -12,6 +12,7 @@
 #include "strategy/lot_allocation.h"
 #include "strategy/open_lottery_info.h"
 #include "strategy/option_chain.h"
+#include "strategy/order_pricing.h"
 #include "strategy/order_report.h"
 #include "strategy/order_string.h"
 #include "strategy/position_book.h"
@@ -148,12 +149,21 @@ class CStrategyOpenLottery : public CStrategy {
   /// All symbols taken so far, in the order in which they are served: calls from the highest strike, puts
   /// from the lowest.
   std::vector<CBatchSymbol> SymbolsInOrder(const std::vector<std::wstring>& newSymbols);
-  double OrderPriceOf(const COpenLotteryInfo& info);
+  double OrderPriceOf(const COpenLotteryInfo& info, const std::wstring& symbol);
   /// What one price point of a lot of the run's chain is worth.
   double ChainWeight();
   int32_t PlaceLots(const std::vector<CBatchSymbol>& symbols);
   bool NewOrderOpen(const std::wstring& symbol, ScaledValue price, int32_t lots);
   bool NewOrder(const COrder& order);
+
+  // Calculating order prices.
+  /// The theoretical price after an adverse move of the underlying, within its band and on the tick, or
+  /// NoPrice; told in any case. Raises only for an end date that can't be.
+  double GetCalOrderPrice(const COpenLotteryInfo& info, const std::wstring& symbol);
+  void ReadVolatility(const COpenLotteryInfo& info, COrderPricing& pricing);
+  void ReadUnderlying(const COpenLotteryInfo& info, COrderPricing& pricing);
+  void LogCalOrderPrice(const COpenLotteryInfo& info, const COrderPricing& pricing, double orderPrice);
+  void PublishCalOrderPrice(const COpenLotteryInfo& info, const COrderPricing& pricing);
 
   // Following reports.
   /// A fill or a rejection changes the state.

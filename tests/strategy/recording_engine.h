@@ -43,6 +43,7 @@ class CRecordingEngine : public IStrategyHost {
     return attribute == L"Weight" ? weight : L"";
   }
   ScaledValue RoundToTick(const std::wstring&, double) override { return NoValue; }
+  int32_t GetTradingDays(const std::wstring&, int32_t, int32_t) override { return 0; }
   bool IsAccountReady(const std::wstring&, const std::wstring&) override { return false; }
   void EnqueueQuote(const CQuoteData&) override {}
 
