@@ -14,7 +14,7 @@ int main(int argumentCount, char** arguments) {
     std::vector<Ratio> ratios;
     if (argumentCount > 1) {
       ratios.push_back(
-          ReplayAgainstParse("one event of the real day", arguments[1], "ND.O.TWF.TX.202108", kRepeats));
+          ReplayAgainstParse("one event of the real day", arguments[1], "ND.O.TWF.TX.HOT", kRepeats));
     }
     const std::string made = MakeBenchDay(folder, "made", 140, 300000, 300);
     ratios.push_back(ReplayAgainstParse("one event of a made day", made, "ND.O.TWF.TX.202403", kRepeats));

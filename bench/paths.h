@@ -10,7 +10,8 @@
 /// The engine's paths that matter, each against a baseline that is measured in the same run.
 namespace iorder {
 
-/// A whole day in virtual time, against a bare parse of its tick file.
+/// A whole day in virtual time with an order that is filled, valued and closed, against a bare parse of its
+/// tick file.
 Ratio ReplayAgainstParse(const std::string& name, const std::string& dayPath, const std::string& chain,
                          int repeats);
 /// One event of a day with many symbols, against one of a day with few.

@@ -8,9 +8,10 @@ namespace iorder {
 
 namespace {
 
-/// The day with a command in it from the first minute on.
+/// The day with a command in it from the first minute on, with orders that the tape fills.
 Day DayWithCommand(const std::string& path, const std::string& chain) {
   Day day = ReadDayFile(path);
+  day.head.orders = OrderRules{};
   InsertCommand(day, BenchCommand(chain, 20.0, 200000), std::nullopt);
   return day;
 }

@@ -26,25 +26,33 @@ std::wstring TotalProfitMessage(const std::wstring& tag, const CTagTotal& total)
 }  // namespace
 
 void CProfitPublisher::Run() {
-  CTagTotals totals;
-  m_strategies.ForEach([&totals](CStrategy& strategy) {
+  const std::optional<CTagTotals> totals = PublishPositions();
+  if (!totals) return;
+  for (const auto& [tag, total] : totals->All()) PublishTotal(tag, total);
+}
+
+std::optional<CTagTotals> CProfitPublisher::PublishPositions() {
+  CLockGuard guard(m_strategies.Lock());
+  // In most cycles nothing has changed.
+  bool changed = m_strategies.Revision() != m_revision;
+  m_revision = m_strategies.Revision();
+  m_strategies.ForEach([&changed](CStrategy& strategy) {
     strategy.PublishProfit();
-    totals.Add(strategy);
+    changed = strategy.TakeTotalsChanged() || changed;
   });
-  for (const auto& [tag, total] : totals.All()) PublishTotal(tag, total);
+  if (!changed) return std::nullopt;
+  CTagTotals totals;
+  m_strategies.ForEach([&totals](CStrategy& strategy) { totals.Add(strategy); });
+  return totals;
 }
 
 void CProfitPublisher::PublishTotal(const std::wstring& tag, const CTagTotal& total) {
-  const auto [sent, isNew] = m_sent.try_emplace(tag);
-  CSent& last = sent->second;
-  // Equal totals make an equal text: most cycles end here.
-  if (!isNew && last.total.dbCost == total.dbCost && last.total.dbPnL == total.dbPnL) return;
-  last.total = total;
   std::wstring text = TotalProfitMessage(tag, total);
-  if (text == last.text) return;
-  last.text = std::move(text);
-  m_host.WriteLog(last.text);
-  m_host.SendHostEvent(kClientTopic, 1, 1, last.text, std::wstring(L"OpenLottery"));
+  std::wstring& last = m_sent[tag];
+  if (text == last) return;
+  last = std::move(text);
+  m_host.WriteLog(last);
+  m_host.SendHostEvent(kClientTopic, 1, 1, last, std::wstring(L"OpenLottery"));
 }
 
 }  // namespace iorder

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "engine/strategy_registry.h"
@@ -21,15 +23,14 @@ class CProfitPublisher {
   void Run();
 
  private:
-  struct CSent {
-    CTagTotal total;
-    std::wstring text;
-  };
+  /// "Profit" of all strategies; the totals of all tags if some may have changed, else none.
+  std::optional<CTagTotals> PublishPositions();
   void PublishTotal(const std::wstring& tag, const CTagTotal& total);
 
   IStrategyHost& m_host;
   CStrategyRegistry& m_strategies;
-  std::map<std::wstring, CSent> m_sent;  ///< by tag
+  std::map<std::wstring, std::wstring> m_sent;  ///< the text last sent, by tag
+  uint64_t m_revision = 0;                      ///< of the strategies that the last totals were of
 };
 
 }  // namespace iorder

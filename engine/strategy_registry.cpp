@@ -25,6 +25,7 @@ CStrategyRegistry::CWalk CStrategyRegistry::WalkTo(const std::wstring& key) {
 
 int32_t CStrategyRegistry::Add(StrategyPtr strategy, const std::wstring& key) {
   CLockGuard guard(m_csStrategies);
+  ++m_revision;
   m_setStrategies[strategy->ObjectNumber()] = strategy;
   m_mapStrategies[key] = strategy;
   m_arStrategies.push_back(std::move(strategy));
@@ -74,6 +75,7 @@ CStrategyRegistry::StrategyPtr CStrategyRegistry::Remove(CStrategy& strategy) {
   const auto found = std::find_if(m_arStrategies.begin(), m_arStrategies.end(),
                                   [&strategy](const StrategyPtr& entry) { return entry.get() == &strategy; });
   if (found == m_arStrategies.end()) return nullptr;
+  ++m_revision;
   StrategyPtr removed = std::move(*found);
   m_arStrategies.erase(found);
   m_mapStrategies.erase(removed->Key());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -44,6 +45,8 @@ class CStrategyRegistry {
   StrategyPtr Find(uintptr_t objectNumber);
   /// The live strategy of this key, or none.
   StrategyPtr FindByKey(const std::wstring& key);
+  /// Grows with each strategy that comes or goes.
+  uint64_t Revision() const { return m_revision; }
   /// Calls `visit` with each live strategy, in order, with the lock held.
   void ForEach(const std::function<void(CStrategy&)>& visit);
   /// True if a live strategy has the symbol in its quote table.
@@ -63,6 +66,7 @@ class CStrategyRegistry {
  private:
   StrategyPtr Remove(CStrategy& strategy) IORDER_REQUIRES(m_csStrategies);
 
+  std::atomic<uint64_t> m_revision{0};
   CCriticalSection m_csStrategies;
   std::vector<StrategyPtr> m_arStrategies IORDER_GUARDED_BY(m_csStrategies);
   /// By object number: a test of life that a reused address can't deceive.

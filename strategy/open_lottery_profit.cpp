@@ -54,6 +54,8 @@ int32_t CStrategyOpenLottery::OnPositionProfit(const CQuoteData& quote) {
       m_dbTotalPnL = totalProfit;
       m_dbTotalCost = totalCost;
     }
+    m_hasUntoldProfit = true;
+    NoteTotalsChanged();
     WriteLog(fmt::sprintf(
         L"OnPositionProfit Result. strSymbol=%s, llAvgPrice=%lld, lCumQty=%d, llPrice=%lld, dbProfit=%f, "
         L"dbTotalProfit=%f, lTransHandle=%d.",
@@ -78,6 +80,7 @@ double CStrategyOpenLottery::GetDoubleValue(const std::wstring& name, double fal
 }
 
 void CStrategyOpenLottery::PublishProfit() {
+  if (!m_hasUntoldProfit.load() || !m_hasUntoldProfit.exchange(false)) return;
   struct CChanged {
     std::wstring symbol;
     ScaledValue price;

@@ -49,6 +49,7 @@ void CStrategyOpenLottery::ClearRun() {
     m_dbTotalPnL = 0.0;
     m_dbTotalCost = 0.0;
   }
+  NoteTotalsChanged();
   for (const std::wstring& symbol : m_chain.TakeSymbols()) UnsubscribeQuote(symbol);
   ReleaseUnderlying();
   m_mapSymbols.Clear();

@@ -43,8 +43,11 @@ CStrategy::IdentityPtr CStrategy::Identity() const {
 
 void CStrategy::SetIdentity(CStrategyIdentity identity) {
   auto next = std::make_shared<const CStrategyIdentity>(std::move(identity));
-  CLockGuard guard(m_csIdentity);
-  m_identity.swap(next);
+  {
+    CLockGuard guard(m_csIdentity);
+    m_identity.swap(next);
+  }
+  NoteTotalsChanged();
 }
 
 void CStrategy::SetKey(const std::wstring& key) {

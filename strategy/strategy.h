@@ -2,6 +2,7 @@
 
 #include <rapidjson/document.h>
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -89,6 +90,9 @@ class CStrategy : public CBaseDataEventReceiver, public std::enable_shared_from_
   virtual void DelStrategy();
   virtual int64_t GetLongValue(const std::wstring&, int64_t fallback) { return fallback; }
   virtual double GetDoubleValue(const std::wstring&, double fallback) { return fallback; }
+  /// Whether what GetDoubleValue tells, or the tag that it counts for, may have changed since this was last
+  /// asked; true at first. Takes no lock.
+  bool TakeTotalsChanged() { return m_totalsChanged.load() && m_totalsChanged.exchange(false); }
 
   /// True if the symbol is in the quote table, also without a handle.
   bool HasQuote(const std::wstring& symbol);
@@ -102,6 +106,9 @@ class CStrategy : public CBaseDataEventReceiver, public std::enable_shared_from_
     QuoteKey key;
     QuoteHandle handle;
   };
+
+  /// After each change of what GetDoubleValue tells.
+  void NoteTotalsChanged() { m_totalsChanged = true; }
 
   IStrategyHost& Owner() { return m_owner; }
   IRuntime& Runtime() { return m_owner.GetWorld().runtime; }
@@ -148,6 +155,7 @@ class CStrategy : public CBaseDataEventReceiver, public std::enable_shared_from_
 
   mutable CCriticalSection m_csIdentity;
   IdentityPtr m_identity IORDER_GUARDED_BY(m_csIdentity);
+  std::atomic<bool> m_totalsChanged{true};
 
   mutable CCriticalSection m_csOrderInfo;
   rapidjson::Document m_orderInfo;

@@ -264,6 +264,7 @@ class CStrategyOpenLottery : public CStrategy {
   CCriticalSection m_csProfit;
   double m_dbTotalPnL IORDER_GUARDED_BY(m_csProfit) = 0.0;
   double m_dbTotalCost IORDER_GUARDED_BY(m_csProfit) = 0.0;
+  std::atomic<bool> m_hasUntoldProfit{false};  ///< some position is dirty
   /// A limit has closed out. Nothing clears it: that happens once in a strategy's life.
   std::atomic<int32_t> m_bDoClosePosByProfit{0};
 
