@@ -23,7 +23,7 @@ LATENCY = 20
 FIXED = {"Type": 0, "Price": 8}
 CALENDAR = {"Type": 2, "PriceType": "L", "UnderlyingChange": 60, "Volatility": 18, "RF": 1, "DY": 0, "EndDate": "C", "CDays": 365,
             "PriceUp": 60, "PriceDn": 1}
-TRADING = {"Type": 2, "PriceType": "O", "UnderlyingChange%": 0.4, "Volatility": 16, "RF": 0, "DY": 0, "EndDate": "T", "TDays": 250,
+TRADING = {"Type": 2, "PriceType": "O", "UnderlyingChange%": 0.1, "Volatility": 16, "RF": 0, "DY": 0, "EndDate": "T", "TDays": 250,
            "PriceUp": 60, "PriceDn": 1}
 
 # Session, chain, right, price, how the run ends: ("time", hhmm), ("command", "HH:MM:SS.mmm") or ("profit"/"loss", "amount"/"percent", value).
@@ -39,7 +39,7 @@ CASES = [
     ("night", "ND.O.TWF.TX.HOT", "C", FIXED, ("time", 400)),
     ("night", "ND.O.TWF.TX.HOT", "P", CALENDAR, ("command", "23:15:00.500")),
     ("night", "ND.O.TWF.TX.HOT", "P", FIXED, ("loss", "amount", 400)),
-    ("night", "ND.O.TWF.TX.HOT", "C", TRADING, ("profit", "amount", 300)),
+    ("night", "ND.O.TWF.TX.HOT", "C", TRADING, ("loss", "percent", 5)),
 ]
 
 

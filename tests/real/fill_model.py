@@ -114,7 +114,7 @@ class Valuation:
 
     def __init__(self, weight):
         self.weight, self.positions, self.seen, self.total, self.cost = weight, {}, {}, 0.0, 0.0
-        self.last_quote = {}
+        self.last_quote, self.waiting = {}, []
 
     def on_report(self, order, exec_type, filled, average, leaves, cancel_was_told):
         position = self.positions.setdefault(order.symbol, Position())
@@ -123,20 +123,24 @@ class Valuation:
         elif not order.closes:
             if filled:
                 position.bought, position.average = filled, average
-                self.on_quote(order.symbol, NO_UPDATE)
+                self.enqueue(order.symbol, NO_UPDATE)
             position.leaves = leaves
         elif filled:
             position.fold_close(order, filled, average, leaves)
 
-    def on_quote(self, symbol, update):
-        """A quote of a held symbol, or a snapshot after a fill (no update). True if the totals were worked out anew."""
+    def enqueue(self, symbol, update):
+        """A quote of a held symbol, or a snapshot after a fill (no update): waits for its valuation, unless it repeats the first."""
         price, volume = self.last_quote[symbol]
         first = self.seen.get(symbol)
         if first and first[0] != NO_UPDATE:
             if update == first[0] or volume == first[1]:
-                return False
+                return
         else:
             self.seen[symbol] = (update, volume)
+        self.waiting.append((symbol, price, update))
+
+    def value(self, symbol, price, update):
+        """True if the totals were worked out anew."""
         position = self.positions.get(symbol)
         if position is None or position.average is None or position.net() <= 0:
             return False
@@ -185,7 +189,7 @@ class Run:
         self.told = {}
         self.limits, self.latency, self.deaf_from, self.deaf_for_good = limits, latency, deaf_from, deaf_for_good
         self.reports, self.totals, self.limit_fired, self.held_at_limit = [], [(None, (0, 0.0))], None, None
-        self.later = []  # (time, report): on their way to the engine
+        self.now, self.later = start, []  # (time, report): on their way to the engine
         arrivals = [(order.sent + latency, 0, order) for order in self.orders]
         arrivals += [(at + latency, 1, (self.orders[number - 1], told)) for at, number, told in cancels]
         self.run(tape, sorted(arrivals, key=lambda entry: entry[:2]), start, end)
@@ -197,6 +201,9 @@ class Run:
             arrival = arrivals[0][0] if arrivals else end + 1
             report = self.later[0][0] if self.later else end + 1
             now = min(cycle, tick, arrival, report)
+            if now != report:
+                self.value_waiting(self.now)  # the reports of one moment come before the valuation
+            self.now = now
             if now > end:
                 return
             if now == cycle:
@@ -238,14 +245,19 @@ class Run:
             self.deaf_from = float("inf")
         told = self.told.get(order.number, now + 1) <= now
         self.valuation.on_report(order, exec_type, filled, average, leaves, told)
-        self.check_limit(now)
 
     def trade(self, update, now, symbol, price, lots, volume):
         self.valuation.last_quote[symbol] = (price, volume)
         self.put(now + self.latency, self.market.trade(symbol, price, lots))
         position = self.valuation.positions.get(symbol)
-        if now < self.deaf_from and position is not None and position.net() > 0 and self.valuation.on_quote(symbol, update):
-            self.check_limit(now)
+        if now < self.deaf_from and position is not None and position.net() > 0:
+            self.valuation.enqueue(symbol, update)
+            self.value_waiting(now)
+
+    def value_waiting(self, now):
+        while self.valuation.waiting:
+            if self.valuation.value(*self.valuation.waiting.pop(0)):
+                self.check_limit(now)
 
     def check_limit(self, now):
         side = None if self.limit_fired else reached(self.limits, self.valuation.cost, self.valuation.total)
