@@ -24,7 +24,9 @@ struct DayHead {
   Milliseconds subscriptionDelay{0};
   bool hasDatabase = true;
   std::optional<OrderRules> orders;  ///< none: lines of the day answer them
-  std::string folder;                ///< for the settings files; empty: a fresh temporary one
+  /// Option figures are worked out from the market, at most once in so much time; none: lines give them.
+  std::optional<Milliseconds> figuresPeriod;
+  std::string folder;  ///< for the settings files; empty: a fresh temporary one
 };
 
 struct NoteAction {};

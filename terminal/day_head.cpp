@@ -108,11 +108,11 @@ DayHead ReadDayHead(const JsonNode& line, const FilePlace& place) {
   head.hasDatabase = ReadChoice(reader, "database", {"sqlite", "none"}, 0) == 0;
   head.orders = ReadOrderRules(reader);
   const bool marketFigures = ReadChoice(reader, "figures", {"given", "market"}, 0) == 1;
-  reader.Integer("figures_ms", 1, kOneDay.count());
+  const Milliseconds figuresPeriod(reader.Integer("figures_ms", 1, kOneDay.count()).value_or(200));
   const std::optional<std::string> folder = reader.Text("folder");
   reader.Finish();
   if (marketFigures) {
-    reader.Fail("figures", "'market' isn't available yet; give the figures in the lines of the day");
+    head.figuresPeriod = figuresPeriod;
   }
   if (folder) {
     head.folder = PathBeside(place.file, *folder);

@@ -137,6 +137,9 @@ void CDayPlayer::Do(const SettingsAction& action) {
 
 void CDayPlayer::Do(const SymbolsAction& action) {
   m_parts.database.AddRows(action);
+  if (m_parts.figures != nullptr) {
+    m_parts.figures->AddSymbols(action);
+  }
 }
 
 void CDayPlayer::Do(const RecordAction& action) {

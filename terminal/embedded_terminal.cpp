@@ -30,9 +30,12 @@ TerminalParts::TerminalParts(IWorldRuntime& worldRuntime, const DayHead& head, c
       busThread(runtime),
       accounts(runtime, bus),
       orders(runtime, bus, busThread, accounts, head.orders, head.seed),
-      quotes(runtime, bus, orders.Automatic()),
+      figures(head.figuresPeriod ? std::make_unique<CMarketFigures>(runtime, bus, busThread, settings,
+                                                                    hostFolder, *head.figuresPeriod)
+                                 : nullptr),
+      quotes(runtime, bus, orders.Automatic(), figures.get()),
       requests(runtime, bus, busThread),
-      sink(runtime, feed, bus, busThread, orders, requests, head.subscriptionDelay) {}
+      sink(runtime, feed, bus, busThread, orders, requests, figures.get(), head.subscriptionDelay) {}
 
 CEmbeddedTerminal::CEmbeddedTerminal(IWorldRuntime& runtime, const Day& day)
     : m_parts(runtime, day.head, kHostFolder),

@@ -3,13 +3,15 @@
 namespace iorder {
 
 CHostSink::CHostSink(IWorldRuntime& runtime, CEventFeed& feed, CEmbeddedBus& bus, CBusThread& busThread,
-                     COrderService& orders, CRequestDesk& requests, Milliseconds subscriptionDelay)
+                     COrderService& orders, CRequestDesk& requests, CMarketFigures* figures,
+                     Milliseconds subscriptionDelay)
     : m_runtime(runtime),
       m_feed(feed),
       m_bus(bus),
       m_busThread(busThread),
       m_orders(orders),
       m_requests(requests),
+      m_figures(figures),
       m_subscriptionDelay(subscriptionDelay) {}
 
 std::optional<int32_t> CHostSink::Advertise(const std::wstring& topic, int32_t value) {
@@ -31,6 +33,9 @@ std::optional<int32_t> CHostSink::Subscribe(const std::wstring& topic) {
   if (m_isFailing) {
     return std::nullopt;
   }
+  if (m_figures != nullptr) {
+    m_figures->Subscribe(topic);
+  }
   if (const std::optional<uint64_t> subscription = m_bus.Subscribe(topic)) {
     m_busThread.Post(m_runtime.Now() + m_subscriptionDelay,
                      [this, topic, number = *subscription] { m_bus.Show(topic, number); });
@@ -44,13 +49,20 @@ void CHostSink::Unsubscribe(const std::wstring& topic) {
   event.kind = TraceKind::kUnsubscribe;
   event.topic = topic;
   m_feed.Tell(event);
-  if (!m_isFailing) {
-    m_bus.Unsubscribe(topic);
+  if (m_isFailing) {
+    return;
   }
+  if (m_figures != nullptr) {
+    m_figures->Unsubscribe(topic);
+  }
+  m_bus.Unsubscribe(topic);
 }
 
 std::optional<int32_t> CHostSink::OpenRecord(const std::wstring& name) {
   CutOffShield shield(m_runtime);
+  if (m_figures != nullptr && !m_isFailing) {
+    m_figures->Make(name);
+  }
   const std::optional<int32_t> handle = m_isFailing ? std::nullopt : std::optional(m_bus.Open(name));
   TraceEvent event;
   event.kind = TraceKind::kOpenRecord;

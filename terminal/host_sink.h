@@ -6,6 +6,7 @@
 #include "platform/world_runtime.h"
 #include "terminal/bus_thread.h"
 #include "terminal/event_feed.h"
+#include "terminal/market_figures.h"
 #include "terminal/order_service.h"
 #include "terminal/record_bus.h"
 #include "terminal/request_desk.h"
@@ -16,8 +17,10 @@ namespace iorder {
 /// thread may call; it is never cut off in here.
 class CHostSink : public IHostEvents {
  public:
+  /// `figures`: those from the market, or none.
   CHostSink(IWorldRuntime& runtime, CEventFeed& feed, CEmbeddedBus& bus, CBusThread& busThread,
-            COrderService& orders, CRequestDesk& requests, Milliseconds subscriptionDelay);
+            COrderService& orders, CRequestDesk& requests, CMarketFigures* figures,
+            Milliseconds subscriptionDelay);
 
   std::optional<int32_t> Advertise(const std::wstring& topic, int32_t value) override;
   std::optional<int32_t> Subscribe(const std::wstring& topic) override;
@@ -38,6 +41,7 @@ class CHostSink : public IHostEvents {
   CBusThread& m_busThread;
   COrderService& m_orders;
   CRequestDesk& m_requests;
+  CMarketFigures* const m_figures;
   const Milliseconds m_subscriptionDelay;
   std::atomic<bool> m_isFailing = false;
 };

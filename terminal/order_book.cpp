@@ -19,14 +19,15 @@ void Fill(BookOrder& order, ScaledValue price, int64_t quantity, std::vector<Boo
 }  // namespace
 
 void COrderBook::Quote(const QuoteUpdate& update, std::vector<BookFill>& fills) {
-  const std::optional<Liquidity> trade = TradeOf(update, m_volume);
+  const bool isEmpty = m_buys.empty() && m_sells.empty();
+  const std::optional<Liquidity> trade = isEmpty ? std::nullopt : TradeOf(update, m_volume);
   for (size_t i = 0; i < update.count; ++i) {
     const QuoteUpdate::Number& number = update.numbers[i];
     if (number.id == quote_field::kPrice) m_last = number.remove ? NoValue : number.value;
     if (number.id == quote_field::kVolume) m_volume = number.remove ? NoValue : number.value;
   }
   RenewBest(update);
-  if (m_buys.empty() && m_sells.empty()) return;
+  if (isEmpty) return;
   if (trade) FillByTrade(*trade, fills);
   FillByBest(OrderSide::kBuy, fills);
   FillByBest(OrderSide::kSell, fills);

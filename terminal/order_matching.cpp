@@ -26,6 +26,7 @@ bool Reaches(OrderRules::Fill rule, OrderSide side, ScaledValue limit, ScaledVal
 
 int64_t ShareOf(int64_t quantity, Share share) {
   if (quantity == kAnyQuantity) return share > 0 ? kAnyQuantity : 0;
+  if (share == kWholeShare) return quantity;  // most days; a division of 128 bits isn't cheap
   return static_cast<int64_t>(Int128{quantity} * share / kWholeShare);
 }
 

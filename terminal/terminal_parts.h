@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "platform/world_runtime.h"
@@ -8,6 +9,7 @@
 #include "terminal/day.h"
 #include "terminal/event_feed.h"
 #include "terminal/host_sink.h"
+#include "terminal/market_figures.h"
 #include "terminal/order_service.h"
 #include "terminal/quote_player.h"
 #include "terminal/record_bus.h"
@@ -29,6 +31,7 @@ struct TerminalParts {
   CBusThread busThread;
   CAccountsRecord accounts;
   COrderService orders;
+  std::unique_ptr<CMarketFigures> figures;  ///< none: the lines of the day give them
   CQuotePlayer quotes;
   CRequestDesk requests;
   CHostSink sink;

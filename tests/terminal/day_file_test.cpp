@@ -103,7 +103,7 @@ TEST_F(DayFile, MistakesInTheHeadNameTheKey) {
   EXPECT_EQ("a.day.jsonl:1: 'seed' in day: expected an integer, found 1.5", HeadMistake(R"("seed": 1.5)"));
   EXPECT_EQ("a.day.jsonl:1: 'end' in day: lies before the start",
             HeadMistake(R"("end": "2024-03-04T08:00:00")"));
-  EXPECT_THAT(HeadMistake(R"("figures": "market")"), HasSubstr("isn't available yet"));
+  EXPECT_THAT(HeadMistake(R"("figures": "market", "figures_ms": 0)"), HasSubstr("'figures_ms' in day"));
   EXPECT_EQ("a.day.jsonl:1: 'partial' in orders: must lie from 0 to 1",
             HeadMistake(R"("orders": {"partial": 2})"));
   EXPECT_EQ("a.day.jsonl:1: unknown key 'lost_acks' in orders; did you mean 'lost_ack'?",
@@ -115,6 +115,15 @@ TEST_F(DayFile, MistakesInTheHeadNameTheKey) {
   EXPECT_EQ("a.day.jsonl:1: 'start' in day: expected YYYY-MM-DDTHH:MM:SS[.mmm], found '2024-02-30T08:00:00'",
             Mistake("", "{\"day\": {\"start\": \"2024-02-30T08:00:00\"}}"));
   EXPECT_EQ("a.day.jsonl:1: key 'day' is missing in the head", Mistake("", "{\"note\": \"x\"}"));
+}
+
+TEST_F(DayFile, FiguresComeFromTheLinesUnlessTheMarketIsToGiveThem) {
+  const auto period = [this](const std::string& members) {
+    return Read("", R"({"day": {"start": "2024-03-04T08:40:00")" + members + "}}").head.figuresPeriod;
+  };
+  EXPECT_EQ(std::nullopt, period(R"(, "figures_ms": 50)"));
+  EXPECT_EQ(Milliseconds(200), period(R"(, "figures": "market")"));
+  EXPECT_EQ(Milliseconds(50), period(R"(, "figures": "market", "figures_ms": 50)"));
 }
 
 TEST_F(DayFile, ADayWhoseHeadAnswersOrdersHasNoReports) {

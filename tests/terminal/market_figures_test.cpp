@@ -1,0 +1,203 @@
+#include "terminal/market_figures.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+#include "terminal/chain_volatility.h"
+#include "terminal/implied_volatility.h"
+#include "tests/terminal/terminal_fixture.h"
+
+namespace iorder::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+double NormalShare(double x) {
+  return 0.5 * std::erfc(-x / std::sqrt(2.0));
+}
+
+/// Black's price of an option on a future, without interest.
+double BlackPrice(bool isCall, double strike, double future, double percent, double years) {
+  const double deviation = percent / 100 * std::sqrt(years);
+  const double d1 = std::log(future / strike) / deviation + deviation / 2;
+  const double call = future * NormalShare(d1) - strike * NormalShare(d1 - deviation);
+  return isCall ? call : call - future + strike;
+}
+
+ScaledValue Scaled(double number) {
+  return ToScaled(number);
+}
+
+// ---- One option, one chain ----
+
+TEST(ImpliedVolatility, IsTheOneThatThePriceWasMadeWith) {
+  for (const double percent : {5.0, 20.0, 80.0}) {
+    for (const double strike : {16000.0, 18000.0, 19500.0}) {
+      const bool isCall = strike >= 18000;
+      const double price = BlackPrice(isCall, strike, 18000, percent, 0.1);
+      if (price < 1e-6) continue;  // too far away for its price to tell anything
+      EXPECT_NEAR(percent, ImpliedVolatility(isCall, strike, 18000, price, 0.1).value_or(0), 1e-4);
+    }
+  }
+}
+
+TEST(ImpliedVolatility, APriceOutsideTheModelImpliesNothing) {
+  EXPECT_EQ(std::nullopt, ImpliedVolatility(true, 100, 110, 9, 0.1));    // below what exercise brings
+  EXPECT_EQ(std::nullopt, ImpliedVolatility(true, 100, 110, 111, 0.1));  // above the future
+  EXPECT_EQ(std::nullopt, ImpliedVolatility(true, 100, 110, 0, 0.1));
+  EXPECT_EQ(std::nullopt, ImpliedVolatility(false, 100, 110, -1, 0.1));
+  EXPECT_EQ(std::nullopt, ImpliedVolatility(true, 0, 110, 12, 0.1));
+  EXPECT_EQ(std::nullopt, ImpliedVolatility(true, 100, 110, 12, 0));
+}
+
+/// A chain whose calls imply 10, 20, 30 percent going up from the future at 1000, its puts 40, 50, 60 going
+/// down.
+ChainPrices Smile() {
+  ChainPrices chain;
+  double percent = 10;
+  for (const double strike : {1000.0, 1010.0, 1020.0}) {
+    chain[Scaled(strike)].call = Scaled(BlackPrice(true, strike, 1000, percent, 0.25));
+    percent += 10;
+  }
+  for (const double strike : {990.0, 980.0, 970.0}) {
+    chain[Scaled(strike)].put = Scaled(BlackPrice(false, strike, 1000, percent, 0.25));
+    percent += 10;
+  }
+  return chain;
+}
+
+TEST(ChainVolatility, IsTheAverageOfTheTwoNearestOutOfTheMoneyOnEachSide) {
+  // 10, 20, 40 and 50.
+  EXPECT_NEAR(30, FromScaled(ChainVolatility(Smile(), Scaled(1000), 0.25)), 0.001);
+}
+
+TEST(ChainVolatility, PassesOverWhatHasNoPriceOrImpliesNothing) {
+  ChainPrices chain = Smile();
+  chain[Scaled(1010)].call = NoValue;
+  chain[Scaled(990)].put = Scaled(995);  // above its strike
+  // 10, 30, 50 and 60.
+  EXPECT_NEAR(37.5, FromScaled(ChainVolatility(chain, Scaled(1000), 0.25)), 0.001);
+}
+
+TEST(ChainVolatility, OneOptionIsEnoughAndNoneGivesNone) {
+  ChainPrices chain;
+  EXPECT_EQ(NoValue, ChainVolatility(chain, Scaled(1000), 0.25));
+  chain[Scaled(1000)].call = Smile()[Scaled(1000)].call;
+  EXPECT_NEAR(10, FromScaled(ChainVolatility(chain, Scaled(1000), 0.25)), 0.001);
+  EXPECT_EQ(NoValue, ChainVolatility(chain, NoValue, 0.25));
+  EXPECT_EQ(NoValue, ChainVolatility(chain, Scaled(1000), 0));
+}
+
+// ---- The record ----
+
+constexpr const wchar_t* kRecord = L"OPT.Volatility.ND.F.TWF.TX.202403";
+constexpr double kYears =
+    16.0 / 365 + (15.0 + 1.0 / 6) / 24 / 365;  // 08:50 on the 4th to the end of the 20th
+
+std::string Quote(const std::string& at, const std::string& symbol, double price) {
+  return "{\"at\": \"" + at + "\", \"quote\": \"" + symbol + "\", \"price\": \"" + std::to_string(price) +
+         "\"}\n";
+}
+
+std::string Option(const std::string& at, bool isCall, int strike, double percent,
+                   const std::string& chain = "TX.202403") {
+  return Quote(at, "ND.O.TWF." + chain + (isCall ? ".C." : ".P.") + std::to_string(strike),
+               BlackPrice(isCall, strike, 18000, percent, kYears));
+}
+
+const std::string kSymbols =
+    R"({"symbols": [{"Symbol": "ND.O.TWF.TX.202403.C.18000", "Type": "O", "ExpDate": "20240320"}]}
+)";
+
+/// A day whose engine subscribes the record when it gets a command, and notes what its updates show.
+class CFiguresDay {
+ public:
+  explicit CFiguresDay(const std::string& lines, const std::string& head = "")
+      : day(lines, R"(, "figures": "market")" + head) {
+    day.engine.onMessage = [this](const std::wstring&, const std::wstring& text, const Value&) {
+      if (text == L"unsubscribe") {
+        day.terminal->Events().Unsubscribe(kRecord);
+        return;
+      }
+      record = day.Open(kRecord);
+      auto sink = std::make_shared<CRecordingSink>();
+      sink->onUpdate = [this] { Note(); };
+      record->Advise(sink);
+      day.terminal->Events().Subscribe(kRecord);
+    };
+    day.Play();
+    EXPECT_THAT(day.problems, IsEmpty());
+    EXPECT_EQ(std::nullopt, day.terminal->Error());
+  }
+
+  CPlayedDay day;
+  std::shared_ptr<IBusObject> record;
+  std::vector<std::string> seen;  ///< "TIME VOLATILITY MCODE", the volatility in tenths of a percent
+
+ private:
+  void Note() {
+    const Value value = record->GetValue(read_code::kField, L"ImpVol");
+    const int64_t* const scaled = std::get_if<int64_t>(&value);
+    seen.push_back(day.Clock() + " " +
+                   (scaled != nullptr ? std::to_string((*scaled + 500'000'000) / 1'000'000'000) : "none") +
+                   " " + std::to_string(Int32Or(record->GetValue(read_code::kField, L"MCODE"), 0)));
+  }
+};
+
+TEST(MarketFigures, ASubscribedRecordShowsWhatTheMarketImplies) {
+  CFiguresDay day(kSymbols + Quote("08:50:00", "ND.F.TWF.TX.202403", 18000) +
+                  Option("08:50:00", true, 18000, 20) + "{\"command\": \"subscribe\"}\n");
+  EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 200 1"));
+}
+
+TEST(MarketFigures, ARecordIsUpdatedWhenItChangesAndAtMostOnceInItsPeriod) {
+  CFiguresDay day(kSymbols + Quote("08:50:00", "ND.F.TWF.TX.202403", 18000) +
+                      Option("08:50:00", true, 18000, 20) + "{\"command\": \"subscribe\"}\n" +
+                      Option("08:50:00.100", true, 18000, 30) + Option("08:50:00.200", true, 18000, 25) +
+                      Option("08:50:00.300", true, 18000, 25) + Option("08:50:02", true, 18000, 40),
+                  R"(, "figures_ms": 500)");
+  EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 200 1", "08:50:00.500 250 1", "08:50:02.000 400 1"));
+}
+
+TEST(MarketFigures, TheFutureMovesTheFigureToo) {
+  CFiguresDay day(kSymbols + Quote("08:50:00", "ND.F.TWF.TX.202403", 17000) +
+                  Option("08:50:00", true, 18000, 20) + "{\"command\": \"subscribe\"}\n" +
+                  Quote("08:50:01", "ND.F.TWF.TX.202403", 18000));
+  ASSERT_EQ(2U, day.seen.size());
+  EXPECT_EQ("08:50:01.000 200 1", day.seen[1]);
+}
+
+TEST(MarketFigures, WhatNobodyWantsIsNotWorkedOut) {
+  CFiguresDay day(kSymbols + Quote("08:50:00", "ND.F.TWF.TX.202403", 18000) +
+                  Option("08:50:00", true, 18000, 20) +
+                  "{\"command\": \"subscribe\"}\n{\"at\": \"08:51:00\", \"command\": \"unsubscribe\"}\n" +
+                  Option("08:52:00", true, 18000, 40));
+  EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 200 1"));
+}
+
+TEST(MarketFigures, WithoutAMarketTheRecordIsThereAndEmpty) {
+  CFiguresDay day("{\"at\": \"08:50:00\", \"command\": \"subscribe\"}\n");
+  ASSERT_NE(nullptr, day.record);
+  EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 none 0"));
+}
+
+TEST(MarketFigures, TheSettingsNameTheFutureOfAProductAndTheQuoteTheExpiry) {
+  const std::string product =
+      R"({"settings": "ComShared/OpenLottery.ini", "text": "[UnderlyingF]\nND.O.TWF.TX=ND.F.TWF.OTHER\nND.O.TWF.TXW=ND.F.TWF.TX\n"}
+{"quote": "ND.O.TWF.TXW.202403.C.18000", "end_date": 20240320}
+)";
+  CFiguresDay day(product + kSymbols + Quote("08:50:00", "ND.F.TWF.TX.202403", 18000) +
+                  Option("08:50:00", true, 18000, 20) + Option("08:50:00", true, 18000, 30, "TXW.202403") +
+                  Option("08:50:00", true, 18000, 50, "TXW.202404") + "{\"command\": \"subscribe\"}\n");
+  EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 300 1"));
+}
+
+TEST(MarketFigures, GivenFiguresAreNotTouched) {
+  CPlayedDay day("{\"at\": \"08:50:00\", \"note\": \"\"}\n");
+  EXPECT_EQ(0, day.terminal->Events().OpenRecord(kRecord));
+}
+
+}  // namespace
+}  // namespace iorder::testing
