@@ -82,6 +82,29 @@ TEST_F(OpenLotteryEvents, ALimitReachedPassesThroughTheIdleStateAndEndsWithTheCa
   });
 }
 
+TEST_F(OpenLotteryEvents, WhileWorkingOrdersAreCancelledForRoomTheStateSaysSo) {
+  WithStrategy([this](CStrategyOpenLottery& strategy) {
+    strategy.SetKey(L"K");
+    StartAtOnce(strategy, 0);
+    RecordChange report;
+    report.name = L"REPORT";
+    // Before its first batch a strategy takes reports without a stamp.
+    report.fields = {Field(L"UserKey2", std::wstring(L"K")), Field(L"LevelKey", std::wstring(L"R1")),
+                     Field(L"ExecType", 0), Field(L"PositionEffect", 0)};
+    m_bus.Apply(report);
+    strategy.OnReportUpdate(m_host.OpenRecord(L"REPORT", nullptr).get());
+    std::vector<std::wstring> meanwhile;
+    m_engine.onLog = [&](const std::wstring& text) {
+      if (text.find(L"CancelOrder Fail.") == std::wstring::npos) return;
+      m_engine.onLog = nullptr;
+      meanwhile = LogOfBatch(strategy);
+    };
+    strategy.OnStrategyEvent(lottery_event::kMakeRoom, 0);
+    EXPECT_THAT(meanwhile, ElementsAre(EndsWith(L"> DoPlaceOrder. m_lStatus=5.")));
+    EXPECT_THAT(m_host.log, Contains(EndsWith(L"> DoCancelOrderOpen Done. m_lStatus=6.")));
+  });
+}
+
 TEST_F(OpenLotteryEvents, ALimitReachedInTheIdleStateDoesNothing) {
   WithStrategy([this](CStrategyOpenLottery& strategy) {
     strategy.OnStrategyEvent(lottery_event::kLimitReached, 0);
