@@ -22,6 +22,14 @@ TEST(Demo, TellsFromTheCommandToTheOrders) {
   EXPECT_THAT(result.output, HasSubstr("Together they cost 10000."));
 }
 
+TEST(Demo, TellsWhatBecameOfTheOrders) {
+  const CProgramFolder folder;
+  const std::string output = folder.Run("demo").output;
+  EXPECT_THAT(output, ContainsRegex("  [0-9:]+  bought +[0-9]+ TX Mar24 [0-9]+ call +at 5 points"));
+  EXPECT_THAT(output, ContainsRegex("  13:30:00  sold +[0-9]+ TX Mar24 [0-9]+ call +at [0-9.]+ points"));
+  EXPECT_THAT(output, ContainsRegex("That cost [0-9]+ and brought a (loss|profit) of [0-9]+"));
+}
+
 TEST(Demo, LeavesNothingBehind) {
   const CProgramFolder folder;
   ASSERT_EQ(folder.Run("demo --seed 3").exitCode, 0);
