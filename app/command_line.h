@@ -25,6 +25,7 @@ using Job = std::function<int()>;
 void AddDemoCommand(CLI::App& program, Job& job);
 void AddImportCommand(CLI::App& program, Job& job);
 void AddMakeDayCommand(CLI::App& program, Job& job);
+void AddPriceCommand(CLI::App& program, Job& job);
 void AddReplayCommand(CLI::App& program, Job& job);
 void AddVerifyCommand(CLI::App& program, Job& job);
 

@@ -51,6 +51,7 @@ int RunProgram(int argc, char** argv) {
   AddVerifyCommand(program, job);
   AddMakeDayCommand(program, job);
   AddImportCommand(program, job);
+  AddPriceCommand(program, job);
 
   if (const std::optional<int> exitCode = ReadCommandLine(program, argc, argv)) return *exitCode;
   return job();

@@ -15,7 +15,8 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-constexpr const char* kCommands[] = {"demo", "replay", "verify", "make-day", "import", "import taifex"};
+constexpr const char* kCommands[] = {"demo",   "replay",        "verify", "make-day",
+                                     "import", "import taifex", "price"};
 
 std::string Help(const std::string& command) {
   const ProgramResult result = CProgramFolder().Run(command + " --help");
@@ -35,14 +36,14 @@ std::string Document() {
 
 TEST(Help, NamesEveryCommand) {
   const std::string help = Help("");
-  for (const char* const command : {"demo", "replay", "verify", "make-day", "import"}) {
+  for (const char* const command : {"demo", "replay", "verify", "make-day", "import", "price"}) {
     EXPECT_THAT(help, HasSubstr(std::string("\n  ") + command + " "));
   }
   EXPECT_THAT(help, HasSubstr("Exit codes: 0 done, 1 "));
 }
 
 TEST(Help, EveryCommandHasExamples) {
-  for (const std::string command : {"demo", "replay", "verify", "make-day", "import taifex"}) {
+  for (const std::string command : {"demo", "replay", "verify", "make-day", "import taifex", "price"}) {
     EXPECT_THAT(Help(command), HasSubstr("Examples:\n  iorder " + command)) << command;
   }
 }
