@@ -220,12 +220,10 @@ void CheckNothingMissed(const DrawnOrderDay& day, const DrawnOrderDay::Order& or
   if (!limit || !order.works || day.fill == "immediate") return;
   const int64_t from = order.at + day.latency;
   const int64_t to = order.cancelledAt ? *order.cancelledAt + day.latency : INT64_MAX;
-  int64_t most = 0;  // what all trades could have given it
   int64_t mustHave = 0;
   for (const DrawnOrderDay::Quote& quote : day.quotes) {
     if (quote.symbol != order.symbol || quote.at < from || quote.at > to) continue;
     if (!IsReached(day, order.isBuy, *limit, quote.price)) continue;
-    most += *quote.quantity * day.partialPercent / 100;
     const bool isAlone =
         std::none_of(day.orders.begin(), day.orders.end(), [&](const DrawnOrderDay::Order& other) {
           return &other != &order && other.symbol == order.symbol && other.at < quote.at;
