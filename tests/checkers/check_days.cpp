@@ -1,0 +1,63 @@
+#include <algorithm>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "app/day_case.h"
+#include "app/run_day.h"
+#include "platform/parallel.h"
+#include "terminal/day_file.h"
+#include "terminal/input_error.h"
+#include "tests/checkers/checkers.h"
+
+/// Plays days with all checkers listening: check_days PATH..., each path a day or a folder of days. Prints
+/// what is broken; exit code 1 if anything is.
+namespace iorder::testing {
+namespace {
+
+constexpr uint64_t kSeeds = 3;
+
+/// The violations of one run, as lines.
+std::string Check(const std::string& path, uint64_t seed) {
+  const Day day = ReadDayFile(path);
+  CCheckers checkers(day, RulesLeftOut(path));
+  CDayRun run(day, {.seed = seed}, {&checkers});
+  try {
+    run.Run();
+  } catch (const InputError&) {
+    // A day that is wrong in itself is a matter of its expectations.
+  }
+  std::string report;
+  for (const Violation& violation : checkers.Finish())
+    report += path + " --seed " + std::to_string(seed) + " " + ToText(violation.at) + " " + violation.rule +
+              ": " + violation.what + "\n";
+  return report;
+}
+
+int CheckAll(const std::vector<std::string>& paths) {
+  std::vector<std::string> days;
+  for (const std::string& path : paths) {
+    for (const std::string& day : FindDays(path)) days.push_back(day);
+  }
+  std::vector<std::string> reports(days.size() * kSeeds);
+  RunParallel(reports.size(), HardwareThreads(),
+              [&](size_t index) { reports[index] = Check(days[index / kSeeds], index % kSeeds); });
+  for (const std::string& report : reports) std::cout << report;
+  const auto broken = std::count_if(reports.begin(), reports.end(),
+                                    [](const std::string& report) { return !report.empty(); });
+  std::cout << static_cast<std::ptrdiff_t>(reports.size()) - broken << " kept all rules, " << broken
+            << " broke one\n";
+  return broken == 0 ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace iorder::testing
+
+int main(int count, char** arguments) {
+  try {
+    return iorder::testing::CheckAll({arguments + 1, arguments + count});
+  } catch (const iorder::InputError& error) {
+    std::cerr << error.what() << "\n";
+    return 2;
+  }
+}

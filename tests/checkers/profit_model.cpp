@@ -1,0 +1,88 @@
+#include "tests/checkers/profit_model.h"
+
+#include <charconv>
+
+namespace iorder::testing {
+namespace {
+
+constexpr std::string_view kAttribute = "<CIntelligentOrder>GetStringFromSecurity. ";
+
+}  // namespace
+
+ToldValue ReadValue(const std::string& line) {
+  ToldValue value;
+  value.symbol = FieldText(line, "strSymbol").value_or("");
+  value.average = FieldInteger(line, "llAvgPrice");
+  value.lots = FieldInteger(line, "lCumQty");
+  value.last = FieldInteger(line, "llPrice");
+  value.profit = FieldDecimal(line, "dbProfit");
+  value.totalProfit = FieldDecimal(line, "dbTotalProfit");
+  return value;
+}
+
+void CProfitModel::OnStep(const TraceStep& step) {
+  if (step.IsLog() && step.text.starts_with(kAttribute)) {
+    const std::string key = FieldText(step.text, "strMapKey").value_or("");
+    if (!key.ends_with(":Weight")) return;
+    const std::string text = FieldText(step.text, "strResult").value_or("");
+    int64_t weight = text.empty() ? 1 : 0;
+    std::from_chars(text.data(), text.data() + text.size(), weight);
+    m_weights[key.substr(0, key.rfind(':'))] = static_cast<double>(weight);
+  } else if (step.LineStarts("Reset. ")) {
+    Book& book = m_books[step.strategy];
+    book.profits.clear();
+    book.totals.emplace_back();
+  } else if (step.LineStarts("OnPositionProfit Result. ")) {
+    Value(step.strategy, ReadValue(step.line));
+  }
+}
+
+void CProfitModel::OnMomentEnd() {
+  for (auto& [number, book] : m_books) book.totals = {book.totals.back()};
+}
+
+double CProfitModel::WeightOf(const std::string& symbol) const {
+  const auto found = m_weights.find(symbol);
+  return found == m_weights.end() || found->second <= 0 ? 1.0 : found->second;
+}
+
+void CProfitModel::Value(uint32_t strategy, const ToldValue& value) {
+  Book& book = m_books[strategy];
+  const double weight = WeightOf(value.symbol);
+  book.profits[value.symbol] = ProfitOf(value.last, value.average, value.lots, weight);
+  // A report that is on its way in may count or not.
+  if (m_positions.ReportOf(strategy) != nullptr) AddTotals(book, m_positions.BeforeOf(strategy), weight);
+  AddTotals(book, m_positions.Of(strategy), weight);
+}
+
+/// All positions cost at the weight of the one that was valued, closed lots included.
+void CProfitModel::AddTotals(Book& book, const CPositionModel::Positions& positions, double weight) {
+  Totals totals;
+  for (const auto& [symbol, position] : positions) {
+    if (position.bought > 0 && position.average != kNone)
+      totals.cost += CostOf(position.average, position.bought, weight);
+  }
+  for (const auto& [symbol, profit] : book.profits) totals.profit += profit;
+  book.totals.push_back(totals);
+}
+
+std::vector<Totals> CProfitModel::InMoment(uint32_t strategy) const {
+  const auto found = m_books.find(strategy);
+  return found == m_books.end() ? std::vector<Totals>{Totals()} : found->second.totals;
+}
+
+Totals CProfitModel::Now(uint32_t strategy) const {
+  return InMoment(strategy).back();
+}
+
+bool CProfitModel::HasChanged(uint32_t strategy) const {
+  return InMoment(strategy).size() > 1;
+}
+
+const std::map<std::string, Money>& CProfitModel::ProfitsOf(uint32_t strategy) const {
+  static const std::map<std::string, Money> none;
+  const auto found = m_books.find(strategy);
+  return found == m_books.end() ? none : found->second.profits;
+}
+
+}  // namespace iorder::testing
