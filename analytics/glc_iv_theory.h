@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 #include "analytics/normal_dist.h"
 
 namespace iorder {
@@ -46,12 +48,23 @@ class GlcIVTheory {
   double PutPrice(double volatility, double strike, double underlyingPrice);
   /// The one or the other, as the inputs say.
   double TheoreticalPrice(double volatility, double strike, double underlyingPrice);
+  /// The theoretical prices of a chain, one for each strike: bit for bit those of TheoreticalPrice, faster.
+  void TheoreticalPrices(double volatility, std::span<const double> strikes, double underlyingPrice,
+                         std::span<double> prices) const;
 
   const TheoryResults& Results() const { return m_results; }
 
  private:
-  /// True if there is a price for this volatility; then d1 and d2 are there.
-  bool Prepare(double volatility, double strike, double underlyingPrice);
+  /// d1 of ln(S / K).
+  double D1Of(double logMoneyness, double volatility) const {
+    const double variance = volatility * volatility;
+    return (logMoneyness + m_inputs.carry * m_inputs.rateTime + variance * 0.5 * m_inputs.volatilityTime) /
+           volatility / m_rootOfVolatilityTime;
+  }
+  /// d1 and d2, and no value yet.
+  TheoryResults Begin(double d1, double volatility) const;
+  TheoryResults Call(double d1, double volatility, double strike, double underlyingPrice) const;
+  TheoryResults Put(double d1, double volatility, double strike, double underlyingPrice) const;
 
   TheoryInputs m_inputs;
   CNormalDist m_normal;

@@ -2,13 +2,13 @@
 #include <rapidjson/stringbuffer.h>
 
 #include <iostream>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "analytics/theory_price.h"
+#include "analytics/opt_greeks.h"
 #include "app/command_line.h"
-#include "platform/text.h"
 #include "records/json_document.h"
 #include "records/scaled_value.h"
 #include "terminal/input_error.h"
@@ -38,7 +38,11 @@ struct StrikeStrip {
   ScaledValue step = 1;
   int64_t count = 1;
 
-  double At(int64_t i) const { return static_cast<double>(first + i * step) / kScale; }
+  std::vector<double> All() const {
+    std::vector<double> strikes;
+    for (int64_t i = 0; i < count; ++i) strikes.push_back(static_cast<double>(first + i * step) / kScale);
+    return strikes;
+  }
 };
 
 ScaledValue ReadStrike(const std::string& text, const std::string& all) {
@@ -66,60 +70,71 @@ StrikeStrip ReadStrikes(const std::string& text) {
   return strip;
 }
 
-/// One right and its prices, strike by strike.
-struct PricedRight {
-  std::string right;
-  std::vector<double> prices;
+/// What is printed: the prices of each right, strike by strike.
+struct Priced {
+  std::vector<double> strikes;
+  double years = 0;
+  std::map<std::string, std::vector<double>> rights;
 };
 
-std::vector<PricedRight> PriceAll(const Arguments& arguments, const StrikeStrip& strikes, double years) {
-  std::vector<PricedRight> priced;
+Priced PriceAll(const Arguments& arguments) {
+  Priced priced{.strikes = ReadStrikes(arguments.strikes).All(),
+                .years = arguments.years > 0 ? arguments.years : arguments.days / arguments.daysOfYear,
+                .rights = {}};
   for (const std::string right : {"C", "P"}) {
     if (!arguments.right.empty() && arguments.right != right) continue;
-    priced.push_back({.right = right, .prices = {}});
-    for (int64_t i = 0; i < strikes.count; ++i) {
-      priced.back().prices.push_back(CalcTheoryPrice(arguments.volatility / 100, strikes.At(i),
-                                                     arguments.underlying, arguments.rate / 100, years, years,
-                                                     arguments.carry / 100, ToWide(right)));
-    }
+    COptGreeks greeks;
+    greeks.SetInputs({.call = right == "C",
+                      .rate = arguments.rate / 100,
+                      .rateTime = priced.years,
+                      .volatilityTime = priced.years,
+                      .carry = arguments.carry / 100});
+    std::vector<double>& prices = priced.rights[right];
+    prices.resize(priced.strikes.size());
+    greeks.Theory().TheoreticalPrices(arguments.volatility / 100, priced.strikes, arguments.underlying,
+                                      prices);
   }
   return priced;
 }
 
-void PrintTable(const StrikeStrip& strikes, const std::vector<PricedRight>& priced) {
+void PrintTable(const Priced& priced) {
   std::string text = fmt::format("{:>14}", "strike");
-  for (const PricedRight& one : priced) text += fmt::format("{:>16}", one.right == "C" ? "call" : "put");
-  for (int64_t i = 0; i < strikes.count; ++i) {
-    text += fmt::format("\n{:>14}", strikes.At(i));
-    for (const PricedRight& one : priced)
-      text += fmt::format("{:>16.6f}", one.prices[static_cast<size_t>(i)]);
+  for (const auto& [right, prices] : priced.rights)
+    text += fmt::format("{:>16}", right == "C" ? "call" : "put");
+  for (size_t i = 0; i < priced.strikes.size(); ++i) {
+    text += fmt::format("\n{:>14}", priced.strikes[i]);
+    for (const auto& [right, prices] : priced.rights) text += fmt::format("{:>16.6f}", prices[i]);
   }
   std::cout << text << '\n';
 }
 
-void PrintJson(const Arguments& arguments, const StrikeStrip& strikes, double years,
-               const std::vector<PricedRight>& priced) {
+std::string JsonOf(const Arguments& arguments, const std::string& right, double strike, double years,
+                   double price) {
+  rapidjson::StringBuffer buffer;
+  CJsonWriter writer(buffer);
+  const auto number = [&writer](const char* key, double value) {
+    writer.Key(key);
+    writer.Double(value);
+  };
+  writer.StartObject();
+  writer.Key("right");
+  writer.String(right);
+  number("vol", arguments.volatility);
+  number("strike", strike);
+  number("underlying", arguments.underlying);
+  number("years", years);
+  number("rate", arguments.rate);
+  number("carry", arguments.carry);
+  number("price", price);
+  writer.EndObject();
+  return buffer.GetString();
+}
+
+void PrintJson(const Arguments& arguments, const Priced& priced) {
   const char* separator = "[";
-  for (const PricedRight& one : priced) {
-    for (int64_t i = 0; i < strikes.count; ++i) {
-      rapidjson::StringBuffer buffer;
-      CJsonWriter writer(buffer);
-      const auto number = [&writer](const char* key, double value) {
-        writer.Key(key);
-        writer.Double(value);
-      };
-      writer.StartObject();
-      writer.Key("right");
-      writer.String(one.right);
-      number("vol", arguments.volatility);
-      number("strike", strikes.At(i));
-      number("underlying", arguments.underlying);
-      number("years", years);
-      number("rate", arguments.rate);
-      number("carry", arguments.carry);
-      number("price", one.prices[static_cast<size_t>(i)]);
-      writer.EndObject();
-      std::cout << separator << buffer.GetString();
+  for (const auto& [right, prices] : priced.rights) {
+    for (size_t i = 0; i < prices.size(); ++i) {
+      std::cout << separator << JsonOf(arguments, right, priced.strikes[i], priced.years, prices[i]);
       separator = ",\n ";
     }
   }
@@ -129,13 +144,11 @@ void PrintJson(const Arguments& arguments, const StrikeStrip& strikes, double ye
 int Run(const Arguments& arguments) {
   if ((arguments.years > 0) == (arguments.days > 0))
     throw InputError("expected either --years, or --days (with --of)");
-  const double years = arguments.years > 0 ? arguments.years : arguments.days / arguments.daysOfYear;
-  const StrikeStrip strikes = ReadStrikes(arguments.strikes);
-  const std::vector<PricedRight> priced = PriceAll(arguments, strikes, years);
+  const Priced priced = PriceAll(arguments);
   if (arguments.json) {
-    PrintJson(arguments, strikes, years, priced);
+    PrintJson(arguments, priced);
   } else {
-    PrintTable(strikes, priced);
+    PrintTable(priced);
   }
   return kDone;
 }

@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench/paths.h"
@@ -23,6 +24,7 @@ int main(int argumentCount, char** arguments) {
     ratios.push_back(QuietSession(folder, kRepeats));
     ratios.push_back(BatchAgainstFormat(folder, kRepeats));
     ratios.push_back(ReportAgainstWrite(folder, kRepeats));
+    for (Ratio& ratio : PricesAgainstQuantLib(kRepeats)) ratios.push_back(std::move(ratio));
     ratios.push_back(ProfitPass("one quote valued, 100 strategies of 50 positions",
                                 "10 strategies of 50 positions", {10, 50}, {100, 50}, kRepeats));
     ratios.push_back(ProfitPass("one quote valued, 100 strategies of 50 positions",

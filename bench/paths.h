@@ -28,6 +28,10 @@ Ratio BatchAgainstFormat(const CBenchFolder& folder, int repeats);
 /// line.
 Ratio ReportAgainstWrite(const CBenchFolder& folder, int repeats);
 
+/// The theoretical prices of a chain of 200 after its underlying moved, together and one by one, against
+/// QuantLib's two ways.
+std::vector<Ratio> PricesAgainstQuantLib(int repeats);
+
 /// Strategies of ten tags, each of which holds so many positions.
 struct BookSize {
   int strategies = 0;

@@ -48,14 +48,23 @@ Ratio Compare(std::string name, std::string baselineName, const Side& baseline, 
           Median(ourTimes), Median(ratios),          goal};
 }
 
+namespace {
+
+/// Two places, or those that a small number needs.
+std::string Short(double ratio) {
+  return ratio < 0.1 ? fmt::format("{:.4f}", ratio) : fmt::format("{:.2f}", ratio);
+}
+
+}  // namespace
+
 std::string FormatTable(const std::vector<Ratio>& ratios) {
   std::string table = fmt::format("{:<46} {:<40} {:>12} {:>12} {:>8} {:>8}\n", "path", "baseline",
                                   "baseline ns", "path ns", "ratio", "goal");
   for (const Ratio& row : ratios) {
-    const std::string goal = row.goal > 0 ? fmt::format("{:.2f}", row.goal) : "";
+    const std::string goal = row.goal > 0 ? Short(row.goal) : "";
     const char* mark = row.goal > 0 && row.ratio > row.goal ? "  not reached" : "";
-    table += fmt::format("{:<46} {:<40} {:>12.1f} {:>12.1f} {:>8.2f} {:>8}{}\n", row.name, row.baseline,
-                         row.baselineNs, row.ours, row.ratio, goal, mark);
+    table += fmt::format("{:<46} {:<40} {:>12.1f} {:>12.1f} {:>8} {:>8}{}\n", row.name, row.baseline,
+                         row.baselineNs, row.ours, Short(row.ratio), goal, mark);
   }
   return table;
 }

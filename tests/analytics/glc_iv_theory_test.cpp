@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <vector>
 
 #include "analytics/opt_greeks.h"
 #include "tests/analytics/exact_price.h"
@@ -204,6 +205,25 @@ TEST(GlcIVTheory, AFurtherStrikeNeedsNoNewTerms) {
   for (double strike = 80; strike <= 120; strike += 0.5) {
     GlcIVTheory fresh = Theory(Inputs(true, 0.02, 0.25, 0.25, 0.01));
     EXPECT_EQ(fresh.CallPrice(0.2, strike, 101), chain.CallPrice(0.2, strike, 101)) << strike;
+  }
+}
+
+TEST(GlcIVTheory, AChainHasThePricesOfItsOptionsOneByOne) {
+  std::vector<double> strikes{0.0, -100.0, kNaN, kInfinity, 1e-300, 1e300};
+  for (double strike = 20; strike <= 500; strike += 0.7) strikes.push_back(strike);
+  std::vector<double> prices(strikes.size());
+  for (const bool call : {true, false}) {
+    for (const double time : {0.25, 0.0, -1.0}) {
+      for (const double volatility : {0.2, 1.7, 0.0, -0.2, kNaN, kInfinity}) {
+        GlcIVTheory theory = Theory(Inputs(call, 0.03, 0.5, time, 0.01));
+        prices.assign(prices.size(), 5.0);
+        theory.TheoreticalPrices(volatility, strikes, 101.3, prices);
+        for (size_t i = 0; i < strikes.size(); ++i) {
+          EXPECT_EQ(theory.TheoreticalPrice(volatility, strikes[i], 101.3), prices[i])
+              << call << ' ' << volatility << ' ' << strikes[i];
+        }
+      }
+    }
   }
 }
 
