@@ -14,11 +14,14 @@ int main(int argumentCount, char** arguments) {
     const CBenchFolder folder;
     std::vector<Ratio> ratios;
     if (argumentCount > 1) {
-      ratios.push_back(
-          ReplayAgainstParse("one event of the real day", arguments[1], "ND.O.TWF.TX.HOT", kRepeats));
+      ratios.push_back(ReplayAgainstParse("one event of the real day", arguments[1], "ND.O.TWF.TX.202108",
+                                          Answers::kNone, kRepeats));
+      ratios.push_back(ReplayAgainstParse("the same, the week's chain, fills and profit", arguments[1],
+                                          "ND.O.TWF.TX.HOT", Answers::kByTape, kRepeats));
     }
     const std::string made = MakeBenchDay(folder, "made", 140, 300000, 300);
-    ratios.push_back(ReplayAgainstParse("one event of a made day", made, "ND.O.TWF.TX.202403", kRepeats));
+    ratios.push_back(
+        ReplayAgainstParse("one event of a made day", made, "ND.O.TWF.TX.202403", Answers::kNone, kRepeats));
     ratios.push_back(ManySymbolsAgainstFew(folder, kRepeats));
     ratios.push_back(QuoteAgainstLookup(folder, kRepeats));
     ratios.push_back(QuietSession(folder, kRepeats));

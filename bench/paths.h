@@ -10,10 +10,11 @@
 /// The engine's paths that matter, each against a baseline that is measured in the same run.
 namespace iorder {
 
-/// A whole day in virtual time with an order that is filled, valued and closed, against a bare parse of its
-/// tick file.
+/// Whether orders are only listed, or filled as the tape says, and then valued.
+enum class Answers { kNone, kByTape };
+/// A whole day in virtual time, against a bare parse of its tick file.
 Ratio ReplayAgainstParse(const std::string& name, const std::string& dayPath, const std::string& chain,
-                         int repeats);
+                         Answers answers, int repeats);
 /// One event of a day with many symbols, against one of a day with few.
 Ratio ManySymbolsAgainstFew(const CBenchFolder& folder, int repeats);
 /// One update of a judged option through bus, handle, strategy and verdict, against one hash look-up of its

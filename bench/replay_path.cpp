@@ -8,10 +8,9 @@ namespace iorder {
 
 namespace {
 
-/// The day with a command in it from the first minute on, with orders that the tape fills.
+/// The day with a command in it from the first minute on.
 Day DayWithCommand(const std::string& path, const std::string& chain) {
   Day day = ReadDayFile(path);
-  day.head.orders = OrderRules{};
   InsertCommand(day, BenchCommand(chain, 20.0, 200000), std::nullopt);
   return day;
 }
@@ -31,8 +30,9 @@ double RowsOf(const std::string& dayPath) {
 }  // namespace
 
 Ratio ReplayAgainstParse(const std::string& name, const std::string& dayPath, const std::string& chain,
-                         int repeats) {
-  const Day day = DayWithCommand(dayPath, chain);
+                         Answers answers, int repeats) {
+  Day day = DayWithCommand(dayPath, chain);
+  if (answers == Answers::kByTape) day.head.orders = OrderRules{};
   const std::string ticks = TicksOf(dayPath);
   const double rows = RowsOf(dayPath);
   return Compare(name, "from_chars over the same ticks", Timed(rows, [&] { Keep(BareParse(ticks)); }),
