@@ -1,6 +1,7 @@
 #include <fmt/printf.h>
 #include <fmt/xchar.h>
 
+#include "platform/platform_error.h"
 #include "records/quote_field.h"
 #include "reference/trading_calendar.h"
 #include "strategy/order_pricing.h"
@@ -46,9 +47,20 @@ void CStrategyOpenLottery::ReadUnderlying(const COpenLotteryInfo& info, COrderPr
   if (const int32_t id = PriceField(info.m_strPriceType); id != 0)
     pricing.dbUnderlyingPrice = FromScaled(GetQuoteField(underlying, id));
   pricing.llEndDate = GetQuoteField(underlying, quote_field::kEndDate);
-  if (pricing.llEndDate == NoValue) return;  // a quote that isn't there has no days left
-  pricing.llTradingDays = Owner().GetTradingDays(underlying, static_cast<int32_t>(pricing.llEndDate), 0);
-  pricing.llCalendarDays = GetCalendarDays(Runtime(), pricing.llEndDate);
+  if (pricing.llEndDate != NoValue) CountDays(pricing);
+}
+
+/// A last day that is no date leaves no days, like one that is missing: the price is told whatever comes of
+/// it.
+void CStrategyOpenLottery::CountDays(COrderPricing& pricing) {
+  try {
+    const auto endDate = static_cast<int32_t>(pricing.llEndDate);
+    const int32_t tradingDays = Owner().GetTradingDays(pricing.strUnderlying, endDate, 0);
+    pricing.llCalendarDays = GetCalendarDays(Runtime(), pricing.llEndDate);
+    pricing.llTradingDays = tradingDays;
+  } catch (const CPlatformError&) {
+    pricing.llCalendarDays = 0;
+  }
 }
 
 void CStrategyOpenLottery::LogCalOrderPrice(const COpenLotteryInfo& info, const COrderPricing& pricing,

@@ -81,28 +81,19 @@ double CStrategyOpenLottery::GetDoubleValue(const std::wstring& name, double fal
 
 void CStrategyOpenLottery::PublishProfit() {
   if (!m_hasUntoldProfit.load() || !m_hasUntoldProfit.exchange(false)) return;
-  struct CChanged {
-    std::wstring symbol;
-    ScaledValue price;
-    double profit;
-  };
-  const auto changed = m_positions.WithLock([](auto& positions) {
-    std::vector<CChanged> taken;
+  // Told under the lock, so that no close-out comes between what is told of one moment.
+  m_positions.WithLock([this](auto& positions) {
     for (auto& [symbol, position] : positions) {
       if (!position.bDirty) continue;
       position.bDirty = false;
-      taken.push_back({.symbol = symbol, .price = position.llPrice, .profit = position.dbProfit});
+      CStatusMessage message(*Identity(), "Profit", kMoneyDecimals);
+      message.Text("Stamp", StampText())
+          .Text("Symbol", symbol)
+          .Number("Last", FromScaled(position.llPrice))
+          .Number("PnL", CutToScale(position.dbProfit));
+      UpdateStatus(message.Finish(), 1);
     }
-    return taken;
   });
-  for (const CChanged& position : changed) {
-    CStatusMessage message(*Identity(), "Profit", kMoneyDecimals);
-    message.Text("Stamp", StampText())
-        .Text("Symbol", position.symbol)
-        .Number("Last", FromScaled(position.price))
-        .Number("PnL", CutToScale(position.profit));
-    UpdateStatus(message.Finish(), 1);
-  }
 }
 
 }  // namespace iorder

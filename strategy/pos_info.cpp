@@ -11,6 +11,9 @@ ScaledValue AverageWith(ScaledValue average, int64_t quantity, ScaledValue price
   if (total == 0) return average;
   __extension__ using Wide = __int128;
   const Wide sum = static_cast<Wide>(average) * quantity + static_cast<Wide>(price) * added;
+  // What was sold without a price has none on average either, where 64 bits can't tell.
+  const bool lacksPrice = price == NoValue || (average == NoValue && quantity != 0);
+  if (lacksPrice && sum != static_cast<int64_t>(sum)) return NoValue;
   return static_cast<ScaledValue>(sum / total);
 }
 

@@ -58,8 +58,9 @@ inline constexpr uint32_t kLimitReached = 4029;  ///< stop by profit or loss
 /// Entered by the command thread (parse, stop command), the message thread (events, batches, reports), timer
 /// threads (Start), bus threads (OnUpdate) and the engine's profit threads. Each collection has a lock of its
 /// own, held briefly; the state is read as a snapshot. Lock order: chain, then symbols; symbols, then quote
-/// lock, and then the scan's sets; scan hits, then ordered symbols; positions, then profit. Only a close-out
-/// holds its lock, that of the positions, while orders and messages leave. Batches and reports stay serial
+/// lock, and then the scan's sets; scan hits, then ordered symbols; positions, then profit. Lines and
+/// messages leave under a lock in four places: the walk of a scan under that of the symbols; a close-out, a
+/// valuation and the telling of profit under that of the positions. Batches and reports stay serial
 /// because only the message thread runs them, and other threads reach it by posting.
 class CStrategyOpenLottery : public CStrategy {
  public:
@@ -158,10 +159,11 @@ class CStrategyOpenLottery : public CStrategy {
 
   // Calculating order prices.
   /// The theoretical price after an adverse move of the underlying, within its band and on the tick, or
-  /// NoPrice; told in any case. Raises only for an end date that can't be.
+  /// NoPrice; told in any case.
   double GetCalOrderPrice(const COpenLotteryInfo& info, const std::wstring& symbol);
   void ReadVolatility(const COpenLotteryInfo& info, COrderPricing& pricing);
   void ReadUnderlying(const COpenLotteryInfo& info, COrderPricing& pricing);
+  void CountDays(COrderPricing& pricing);
   void LogCalOrderPrice(const COpenLotteryInfo& info, const COrderPricing& pricing, double orderPrice);
   void PublishCalOrderPrice(const COpenLotteryInfo& info, const COrderPricing& pricing);
 

@@ -151,6 +151,12 @@ TEST(CloseFold, WithoutAPriceThereIsNoAverage) {
   ExpectClosed(position, position.FoldClose(Close(L"1", 2, NoValue)), 2, NoValue);
 }
 
+TEST(CloseFold, WhatWasSoldWithoutAPriceKeepsTheAverageUnknown) {
+  CPosInfo position;
+  ExpectClosed(position, position.FoldClose(Close(L"1", 2, NoValue)), 2, NoValue);
+  ExpectClosed(position, position.FoldClose(Close(L"2", 1, 10 * kOne)), 3, NoValue);
+}
+
 TEST(PositionValue, IsTheWayFromTheAverageTimesLotsAndWeight) {
   CPosInfo position;
   position.lCumQty = 4;

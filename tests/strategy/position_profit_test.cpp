@@ -6,6 +6,7 @@
 namespace iorder::testing {
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const wchar_t* kOption = L"ND.O.SHFE.CU.202404.C.70000";
@@ -64,6 +65,59 @@ TEST_F(PositionProfit, AWeightThatIsNotUsableCountsAsOneAndIsLookedUpAgain) {
     EXPECT_EQ(1, Quote(strategy, kOption, 11 * kOne));
     EXPECT_NEAR(100.0, Profit(strategy), 1e-9);
     EXPECT_NEAR(1000.0, Cost(strategy), 1e-7);
+  });
+}
+
+TEST_F(PositionProfit, AQuoteIsValuedOnlyAfterTheWholeCloseOutHasLeft) {
+  WithStrategy([this](CStrategyOpenLottery& strategy) {
+    Buy(strategy, kOption, 2, 10 * kOne);
+    Buy(strategy, kOther, 3, 10 * kOne);
+    std::vector<std::string> events;
+    std::shared_ptr<IThread> quotes;
+    m_engine.onLog = [&](const std::wstring& text) {
+      if (text.find(L"NewOrder Fail.") == std::wstring::npos) return;
+      events.emplace_back("order");
+      if (quotes != nullptr) return;
+      quotes = m_runtime.CreateThread(L"quotes", [&] {
+        Quote(strategy, kOther, 11 * kOne);
+        events.emplace_back("valued");
+      });
+      quotes->Resume();
+      m_runtime.Sleep(Milliseconds(1));
+    };
+    strategy.OnStrategyEvent(lottery_event::kLimitReached, 0);
+    m_engine.onLog = nullptr;
+    ASSERT_NE(quotes, nullptr);
+    m_runtime.Wait(*quotes, std::nullopt);
+    EXPECT_THAT(events, ElementsAre("order", "order", "valued"));
+  });
+}
+
+TEST_F(PositionProfit, AQuoteIsValuedOnlyAfterTheProfitOfAllPositionsIsTold) {
+  WithStrategy([this](CStrategyOpenLottery& strategy) {
+    Buy(strategy, kOption, 2, 10 * kOne);
+    Buy(strategy, kOther, 3, 10 * kOne);
+    Quote(strategy, kOption, 11 * kOne);
+    Quote(strategy, kOther, 11 * kOne);
+    std::vector<std::string> events;
+    std::shared_ptr<IThread> quotes;
+    m_host.answer = [&](const Request& request, AnswerDocument*) {
+      if (request.topic != L"API_MSG.NewStrategyOrder") return Value();
+      events.emplace_back("told");
+      if (quotes != nullptr) return Value();
+      quotes = m_runtime.CreateThread(L"quotes", [&] {
+        Quote(strategy, kOther, 12 * kOne);
+        events.emplace_back("valued");
+      });
+      quotes->Resume();
+      m_runtime.Sleep(Milliseconds(1));
+      return Value();
+    };
+    strategy.PublishProfit();
+    m_host.answer = nullptr;
+    ASSERT_NE(quotes, nullptr);
+    m_runtime.Wait(*quotes, std::nullopt);
+    EXPECT_THAT(events, ElementsAre("told", "told", "valued"));
   });
 }
 
