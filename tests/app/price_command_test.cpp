@@ -84,9 +84,9 @@ TEST(PriceCommand, JsonHasTheInputsBesideThePrice) {
 }
 
 TEST(PriceCommand, JsonHasThePriceToItsLastBit) {
-  for (const auto& one :
-       Json("--vol 23.7 --strike 90.1:112.9:0.3 --underlying 101.7 --years 0.3 --rate 3.1 --carry 1.7")
-           .GetArray()) {
+  const rapidjson::Document list =
+      Json("--vol 23.7 --strike 90.1:112.9:0.3 --underlying 101.7 --years 0.3 --rate 3.1 --carry 1.7");
+  for (const auto& one : list.GetArray()) {
     const std::wstring right = one["right"].GetString() == std::string("C") ? L"C" : L"P";
     EXPECT_EQ(
         CalcTheoryPrice(23.7 / 100, one["strike"].GetDouble(), 101.7, 3.1 / 100, 0.3, 0.3, 1.7 / 100, right),
@@ -97,9 +97,9 @@ TEST(PriceCommand, JsonHasThePriceToItsLastBit) {
 
 TEST(PriceCommand, AStripHasStrikesAtEqualDistancesUpToItsEnd) {
   std::vector<double> strikes;
-  for (const auto& one :
-       Json("--right C --vol 20 --strike 16.9:17.35:0.1 --underlying 17 --years 1").GetArray())
-    strikes.push_back(one["strike"].GetDouble());
+  const rapidjson::Document list =
+      Json("--right C --vol 20 --strike 16.9:17.35:0.1 --underlying 17 --years 1");
+  for (const auto& one : list.GetArray()) strikes.push_back(one["strike"].GetDouble());
   EXPECT_THAT(strikes, ElementsAre(16.9, 17.0, 17.1, 17.2, 17.3)) << "each the nearest double of its digits";
   EXPECT_EQ(1U, Json("--right C --vol 20 --strike 17:17:5 --underlying 17 --years 1").Size());
 }
