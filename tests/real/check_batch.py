@@ -3,8 +3,8 @@
 
     check_batch.py PROGRAM DATA
 
-The command starts the strategy at once. The batch then holds what has opened within the band before that time. No other batch may
-follow: what opens later waits.
+The command starts the strategy at once. The batch then holds what has opened within the band before that time. Nobody answers the
+orders, so no other batch may follow: what opens later waits.
 """
 
 import re

@@ -186,10 +186,12 @@ def differences(seen, run, day, chain, price, ending):
     closes = {fields["SYMBOL"]: int(fields["QTY"]) for _, fields in seen.sent if fields["POSITIONEFFECT"] == "1"}
     moments = {at for at, fields in seen.sent if fields["POSITIONEFFECT"] == "1"}
     if ending[0] in ("profit", "loss"):
-        fired = run.limit_fired and (run.limit_fired[0], run.limit_fired[1])
-        yield "limit", seen.limit and seen.limit[:2], fired
-        yield "closes by the limit", (moments, closes), ({fired[0]}, run.held_at_limit) if fired else (set(), {})
+        assert run.limit_fired, "the case must reach its limit"
+        yield "limit", seen.limit and seen.limit[:2], run.limit_fired[:2]
+        yield "closes by the limit", (moments, closes), ({run.limit_fired[0]}, run.held_at_limit)
     else:
+        assert closes, "the case must hold something at its end"
+        yield "lots of the closes", closes, run.held_at(deaf_from(day, None, ending))
         yield "closes", moments, {deaf_from(day, None, ending)}
         yield "left at the end", run.valuation.held(), {}
 

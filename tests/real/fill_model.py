@@ -189,6 +189,7 @@ class Run:
         self.told = {}
         self.limits, self.latency, self.deaf_from, self.deaf_for_good = limits, latency, deaf_from, deaf_for_good
         self.reports, self.totals, self.limit_fired, self.held_at_limit = [], [(None, (0, 0.0))], None, None
+        self.holdings = []  # (time, lots by symbol)
         self.now, self.later = start, []  # (time, report): on their way to the engine
         arrivals = [(order.sent + latency, 0, order) for order in self.orders]
         arrivals += [(at + latency, 1, (self.orders[number - 1], told)) for at, number, told in cancels]
@@ -216,6 +217,10 @@ class Run:
             else:
                 self.trade(position, *tape[position])
                 position += 1
+
+    def held_at(self, moment):
+        """What was held when the close-out of that moment began: lots by symbol."""
+        return next((held for at, held in reversed(self.holdings) if at < moment), {})
 
     def arrive(self, now, kind, what):
         if kind == 0:
@@ -245,6 +250,7 @@ class Run:
             self.deaf_from = float("inf")
         told = self.told.get(order.number, now + 1) <= now
         self.valuation.on_report(order, exec_type, filled, average, leaves, told)
+        self.holdings.append((now, self.valuation.held()))
 
     def trade(self, update, now, symbol, price, lots, volume):
         self.valuation.last_quote[symbol] = (price, volume)
