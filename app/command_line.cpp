@@ -70,6 +70,12 @@ CLI::Validator Number(double above, double highest) {
       "");
 }
 
+CLI::Validator Name(const std::string& expected) {
+  return CLI::Validator(
+      [expected](std::string& text) { return text.empty() ? "'', expected " + expected : std::string(); },
+      "");
+}
+
 CLI::Validator EitherWord(const std::string& first, const std::string& second) {
   return CLI::Validator(
       [first, second](std::string& text) -> std::string {

@@ -48,6 +48,9 @@ std::optional<int64_t> ReadWholeNumber(const std::string& text);
 CLI::Validator WholeNumber(int64_t lowest, int64_t highest);
 CLI::Validator Number(double above, double highest);
 
+/// A text that isn't empty, to name what is `expected`, as in "a file".
+CLI::Validator Name(const std::string& expected);
+
 /// One of two words.
 CLI::Validator EitherWord(const std::string& first, const std::string& second);
 /// Takes the words that say how orders are filled.

@@ -34,11 +34,14 @@ std::string PriceOrNone(const std::optional<double>& price) {
 
 }  // namespace
 
-CDayTables::CDayTables(const fs::path& folder)
-    : m_orders(MadeFolder(folder) / "orders.csv"),
-      m_fills(folder / "fills.csv"),
-      m_positions(folder / "positions.csv"),
-      m_profit(folder / "profit.csv") {
+std::array<fs::path, 4> TableFiles(const fs::path& folder) {
+  return {folder / "orders.csv", folder / "fills.csv", folder / "positions.csv", folder / "profit.csv"};
+}
+
+CDayTables::CDayTables(const fs::path& folder) : CDayTables(TableFiles(MadeFolder(folder))) {}
+
+CDayTables::CDayTables(const std::array<fs::path, 4>& files)
+    : m_orders(files[0]), m_fills(files[1]), m_positions(files[2]), m_profit(files[3]) {
   m_orders.Write("at,strategy,account,symbol,side,lots,price,closes\n");
   m_fills.Write("at,strategy,symbol,report,side,lots,price,filled,sent\n");
   m_positions.Write("at,strategy,run,symbol,bought,bought_at,sold,sold_at,held\n");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <filesystem>
 #include <string>
 
@@ -7,6 +8,9 @@
 #include "app/output_file.h"
 
 namespace iorder {
+
+/// The tables of a folder, in this order: orders, fills, positions, profit.
+std::array<std::filesystem::path, 4> TableFiles(const std::filesystem::path& folder);
 
 /// A day's happenings as tables of comma-separated values in one folder: orders.csv, fills.csv, positions.csv
 /// and profit.csv, each with a first line that names the columns. Times are local, prices and money decimals.
@@ -21,6 +25,7 @@ class CDayTables {
   void Commit();
 
  private:
+  explicit CDayTables(const std::array<std::filesystem::path, 4>& files);
   void Write(const std::string& at, const Happening& happening);
 
   std::string m_error;

@@ -9,6 +9,7 @@
 #include "app/command_line.h"
 #include "app/day_tables.h"
 #include "app/day_totals.h"
+#include "app/file_roles.h"
 #include "app/happening_text.h"
 #include "app/output_place.h"
 #include "app/progress.h"
@@ -28,6 +29,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr Milliseconds kProgressPeriod{200};
+constexpr const char* kStandardInput = "-";
 
 struct Arguments {
   std::string day;
@@ -60,7 +62,7 @@ std::string ReadStream(std::istream& stream, const std::string& name) {
 }
 
 std::string ReadCommandText(const std::string& file) {
-  if (file == "-") return ReadStream(std::cin, "standard input");
+  if (file == kStandardInput) return ReadStream(std::cin, "standard input");
   const std::unique_ptr<IInputFile> input = OpenInputFile(file);
   std::string text;
   char block[4096];
@@ -68,28 +70,40 @@ std::string ReadCommandText(const std::string& file) {
   return text;
 }
 
-/// Puts the command "FILE" or "FILE@TIME" into the day. The engine reads its text, whatever it is.
-void AddCommand(Day& day, const std::string& argument) {
-  std::string file = argument;
-  std::optional<LocalTime> at;
+/// A command as it is given: "FILE" or "FILE@TIME".
+struct GivenCommand {
+  std::string file;
+  std::optional<Milliseconds> time;  ///< since midnight
+};
+
+GivenCommand ReadCommandArgument(const std::string& argument) {
   const size_t sign = argument.rfind('@');
-  if (sign != std::string::npos && LooksLikeTime(argument.substr(sign + 1))) {
-    const std::optional<Milliseconds> time = ReadTime(argument.substr(sign + 1));
-    if (!time) {
-      throw InputError(
-          fmt::format("--command: '{}', expected FILE@HH:MM or FILE@HH:MM:SS, up to 23:59:59", argument));
-    }
-    file.resize(sign);
-    at = DateOf(day.head.start) + *time;
-    // A day may go on past midnight.
-    if (*at < day.head.start) *at += std::chrono::days(1);
-    if (day.head.end && *at > *day.head.end) {
-      throw InputError(fmt::format("--command: '{}' lies outside the day, expected a time from {} to {}",
-                                   argument, TimeText(day.head.start).substr(11),
-                                   TimeText(*day.head.end).substr(11)));
-    }
+  if (sign == std::string::npos || !LooksLikeTime(argument.substr(sign + 1))) return {argument, {}};
+  const std::optional<Milliseconds> time = ReadTime(argument.substr(sign + 1));
+  if (!time) {
+    throw InputError(
+        fmt::format("--command: '{}', expected FILE@HH:MM or FILE@HH:MM:SS, up to 23:59:59", argument));
   }
-  InsertCommand(day, ReadCommandText(file), at);
+  return {argument.substr(0, sign), time};
+}
+
+/// When a command of this time of day comes. A day may go on past midnight.
+LocalTime TimeInDay(const DayHead& head, Milliseconds time, const std::string& argument) {
+  LocalTime at = DateOf(head.start) + time;
+  if (at < head.start) at += std::chrono::days(1);
+  if (head.end && at > *head.end) {
+    throw InputError(fmt::format("--command: '{}' lies outside the day, expected a time from {} to {}",
+                                 argument, TimeText(head.start).substr(11), TimeText(*head.end).substr(11)));
+  }
+  return at;
+}
+
+/// Puts a command into the day. The engine reads its text, whatever it is.
+void AddCommand(Day& day, const std::string& argument) {
+  const GivenCommand command = ReadCommandArgument(argument);
+  std::optional<LocalTime> at;
+  if (command.time) at = TimeInDay(day.head, *command.time, argument);
+  InsertCommand(day, ReadCommandText(command.file), at);
 }
 
 /// The trace file of a run, in its place.
@@ -163,26 +177,28 @@ std::vector<std::string> RunWatched(CDayRun& run, const CDayClock& clock, CStatu
   return run.Run();
 }
 
-/// A run must not write over what it reads, nor two files into one.
-void RefuseSameFiles(const Arguments& arguments) {
-  const auto isSame = [](const std::string& left, const std::string& right) {
-    std::error_code ignored;
-    return !left.empty() && !right.empty() &&
-           fs::weakly_canonical(left, ignored) == fs::weakly_canonical(right, ignored);
-  };
-  for (const std::string& output : {arguments.trace, arguments.log}) {
-    if (isSame(output, arguments.day)) {
-      throw InputError(output + ": is the day that this run reads, expected another file to write to");
-    }
+/// A run must not write over what it reads, nor two things into one file.
+void RefuseSameFiles(const Arguments& arguments, const Day& day) {
+  CFileRoles files;
+  files.Reads(arguments.day, "the day");
+  for (const DayLine& line : day.lines) {
+    if (const auto* ticks = std::get_if<TicksAction>(&line.action))
+      files.Reads(ticks->path, "a tick file of the day");
   }
-  if (isSame(arguments.trace, arguments.log)) {
-    throw InputError(arguments.log + ": is the file of the trace too, expected one of its own for the log");
+  for (const std::string& command : arguments.commands) {
+    const std::string file = ReadCommandArgument(command).file;
+    if (file != kStandardInput) files.Reads(file, "a command");
   }
+  files.Writes(arguments.trace, "the trace");
+  files.Writes(arguments.log, "the log");
+  if (arguments.tables.empty()) return;
+  files.Writes(arguments.tables, "the folder of tables");
+  for (const fs::path& table : TableFiles(arguments.tables)) files.Writes(table, "a table");
 }
 
 int Run(const Arguments& arguments) {
   Day day = ReadDayFile(arguments.day);
-  RefuseSameFiles(arguments);
+  RefuseSameFiles(arguments, day);
   for (const std::string& command : arguments.commands) AddCommand(day, command);
 
   CStatusLine status;
@@ -231,14 +247,18 @@ void AddReplayCommand(CLI::App& program, Job& job) {
   CLI::Option* const trace = command
                                  ->add_option("--trace", arguments->trace,
                                               "Write a trace of all events, packed if it ends in .gz or .zst")
-                                 ->type_name("FILE");
+                                 ->type_name("FILE")
+                                 ->check(Name("a file"));
   command->add_flag("--inputs", arguments->inputs, "Let the trace show what the terminal did too")
       ->needs(trace);
-  command->add_option("--log", arguments->log, "Write the lines of the engine's log")->type_name("FILE");
+  command->add_option("--log", arguments->log, "Write the lines of the engine's log")
+      ->type_name("FILE")
+      ->check(Name("a file"));
   command
       ->add_option("--csv", arguments->tables,
                    "Write orders, fills, positions and the profit curve as tables into this folder")
-      ->type_name("DIR");
+      ->type_name("DIR")
+      ->check(Name("a folder"));
   command
       ->add_option("--profit-every", arguments->profitEvery,
                    "Print profit and totals at most once in so many seconds of the day; 0: each change")

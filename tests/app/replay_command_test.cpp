@@ -169,19 +169,6 @@ TEST_F(Replay, WritesTraceAndLog) {
   EXPECT_THAT(m_folder.Read("t.trace.jsonl"), HasSubstr(R"("event": "update")"));
 }
 
-TEST_F(Replay, WritesNeitherOverItsDayNorTwoFilesIntoOne) {
-  const std::string day = R"({"day": {"start": "2024-03-04T08:40:00", "end": "08:41:00"}})";
-  m_folder.Write("a.day.jsonl", day);
-  const ProgramResult over = m_folder.Run("replay a.day.jsonl --trace ./a.day.jsonl");
-  EXPECT_EQ(over.exitCode, 2);
-  EXPECT_THAT(over.errors, HasSubstr("./a.day.jsonl: is the day that this run reads"));
-  EXPECT_EQ(m_folder.Read("a.day.jsonl"), day);
-  const ProgramResult twice = m_folder.Run("replay a.day.jsonl --trace x --log x");
-  EXPECT_EQ(twice.exitCode, 2);
-  EXPECT_THAT(twice.errors, HasSubstr("x: is the file of the trace too"));
-  EXPECT_THAT(m_folder.Files(), ElementsAre("a.day.jsonl"));
-}
-
 TEST_F(Replay, PacksTheTraceByItsName) {
   const std::string day = kExamples + "/days/five-strikes.day.jsonl";
   Output(day + " --trace t.jsonl --log t.log");
