@@ -28,9 +28,9 @@ void CFileRoles::Writes(const fs::path& path, const std::string& role) {
   const fs::path resolved = Resolved(path);
   for (const File& file : m_files) {
     if (file.path != resolved) continue;
-    throw InputError(file.isWritten ? fmt::format("{}: is to be {} too, expected another place for {}",
+    throw InputError(file.isWritten ? fmt::format("{}: is to be {} too; expected another place for {}",
                                                   path.string(), file.role, role)
-                                    : fmt::format("{}: is {} that is read, expected another place for {}",
+                                    : fmt::format("{}: is {}, which is read; expected another place for {}",
                                                   path.string(), file.role, role));
   }
   m_files.push_back({resolved, role, true});

@@ -5,6 +5,7 @@
 #include <set>
 #include <vector>
 
+#include "app/file_roles.h"
 #include "app/import/import_error.h"
 #include "app/import/taifex_day.h"
 #include "app/import/taifex_ticks.h"
@@ -119,9 +120,20 @@ std::set<TaifexSeries> Traded(const TaifexTrades& trades) {
   return traded;
 }
 
+/// An import must not write over what it reads.
+void RefuseSameFiles(const TaifexImportOptions& options) {
+  CFileRoles files;
+  files.Reads(options.optionsFile, "the file of the options' trades");
+  files.Reads(options.futuresFile, "the file of the futures' trades");
+  if (!options.seriesFile.empty()) files.Reads(options.seriesFile, "the list of series");
+  files.Writes(options.day, "the day");
+  files.Writes(TickFileOf(options.day), "the day's ticks");
+}
+
 }  // namespace
 
 TaifexImportResult ImportTaifex(const TaifexImportOptions& options) {
+  RefuseSameFiles(options);
   CBytesOfAll progress(options);
   std::optional<TaifexSessionDate> date;
   const TaifexTrades optionTrades = ReadTaifexTrades(options.optionsFile, CTaifexTable::Kind::kOptionTrades,

@@ -39,8 +39,9 @@ struct TaifexImportResult {
 /// series the files don't tell, the futures' trades come before the options', and else the files' order is
 /// kept. The clock begins 15 minutes before the session opens and ends 15 minutes after it closes.
 ///
-/// Raises CImportError for a source that doesn't read, InputError for a day that can't be written; then
-/// nothing is left behind. Files of the same names are replaced.
+/// Raises CImportError for a source that doesn't read, InputError for a day that can't be written, as where
+/// it or its ticks are one of the sources; then nothing is left behind. Other files of the same names are
+/// replaced.
 TaifexImportResult ImportTaifex(const TaifexImportOptions& options);
 
 }  // namespace iorder

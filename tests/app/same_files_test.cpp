@@ -48,28 +48,29 @@ class SameFiles : public testing::Test {
 
 TEST_F(SameFiles, NoOutputIsTheDay) {
   EXPECT_EQ(Refusal("--trace ./a.day.jsonl"),
-            "iorder: ./a.day.jsonl: is the day that is read, expected another place for the trace\n");
+            "iorder: ./a.day.jsonl: is the day, which is read; expected another place for the trace\n");
   EXPECT_EQ(Refusal("--log a.day.jsonl"),
-            "iorder: a.day.jsonl: is the day that is read, expected another place for the log\n");
+            "iorder: a.day.jsonl: is the day, which is read; expected another place for the log\n");
   EXPECT_EQ(
       Refusal("--csv a.day.jsonl"),
-      "iorder: a.day.jsonl: is the day that is read, expected another place for the folder of tables\n");
+      "iorder: a.day.jsonl: is the day, which is read; expected another place for the folder of tables\n");
 }
 
 TEST_F(SameFiles, NoOutputIsATickFileOfTheDay) {
   EXPECT_EQ(Refusal("--trace a.ticks.csv"),
-            "iorder: a.ticks.csv: is a tick file of the day that is read, expected another place for the "
+            "iorder: a.ticks.csv: is a tick file of the day, which is read; expected another place for the "
             "trace\n");
-  EXPECT_THAT(Refusal("--log $PWD/a.ticks.csv"),
-              EndsWith("a.ticks.csv: is a tick file of the day that is read, expected another place for the "
-                       "log\n"));
+  EXPECT_THAT(
+      Refusal("--log $PWD/a.ticks.csv"),
+      EndsWith("a.ticks.csv: is a tick file of the day, which is read; expected another place for the "
+               "log\n"));
 }
 
 TEST_F(SameFiles, NoOutputIsACommand) {
   EXPECT_EQ(Refusal("--trace c.json"),
-            "iorder: c.json: is a command that is read, expected another place for the trace\n");
+            "iorder: c.json: is a command, which is read; expected another place for the trace\n");
   EXPECT_EQ(Refusal("--log c.json"),
-            "iorder: c.json: is a command that is read, expected another place for the log\n");
+            "iorder: c.json: is a command, which is read; expected another place for the log\n");
 }
 
 TEST_F(SameFiles, NoTableIsAnInput) {
@@ -80,31 +81,31 @@ TEST_F(SameFiles, NoTableIsAnInput) {
                                   R"({"ticks": ")" +
                                       table + "\"}\n");
     EXPECT_EQ(Refusal("--csv ."), "iorder: ./" + table +
-                                      ": is a tick file of the day that is read, expected another place "
+                                      ": is a tick file of the day, which is read; expected another place "
                                       "for a table\n");
   }
   m_folder.Write("t/orders.csv", "{}");
   EXPECT_EQ(Refusal("--command t/orders.csv@08:41 --csv t"),
-            "iorder: t/orders.csv: is a command that is read, expected another place for a table\n");
+            "iorder: t/orders.csv: is a command, which is read; expected another place for a table\n");
 }
 
 TEST_F(SameFiles, TwoOutputsAreNotOneFile) {
   EXPECT_EQ(Refusal("--trace x --log ./x"),
-            "iorder: ./x: is to be the trace too, expected another place for the log\n");
+            "iorder: ./x: is to be the trace too; expected another place for the log\n");
   EXPECT_EQ(Refusal("--trace t/../x --log x"),
-            "iorder: x: is to be the trace too, expected another place for the log\n");
+            "iorder: x: is to be the trace too; expected another place for the log\n");
   EXPECT_EQ(Refusal("--trace t/orders.csv --csv t"),
-            "iorder: t/orders.csv: is to be the trace too, expected another place for a table\n");
+            "iorder: t/orders.csv: is to be the trace too; expected another place for a table\n");
   EXPECT_EQ(Refusal("--log t/profit.csv --csv t/"),
-            "iorder: t/profit.csv: is to be the log too, expected another place for a table\n");
+            "iorder: t/profit.csv: is to be the log too; expected another place for a table\n");
   EXPECT_EQ(Refusal("--trace t --csv t"),
-            "iorder: t: is to be the trace too, expected another place for the folder of tables\n");
+            "iorder: t: is to be the trace too; expected another place for the folder of tables\n");
 }
 
 TEST_F(SameFiles, ALinkIsTheFileThatItLeadsTo) {
   std::filesystem::create_symlink("a.day.jsonl", m_folder.File("link"));
   EXPECT_EQ(Refusal("--trace link"),
-            "iorder: link: is the day that is read, expected another place for the trace\n");
+            "iorder: link: is the day, which is read; expected another place for the trace\n");
 }
 
 TEST_F(SameFiles, AnOutputHasAName) {

@@ -57,5 +57,33 @@ TEST_F(ImportCommand, WrongUsageIsExitCode2) {
   EXPECT_THAT(m_folder.Files(), ElementsAre("futures.csv", "options.csv"));
 }
 
+TEST_F(ImportCommand, NeitherTheDayNorItsTicksAreASource) {
+  const auto refusal = [this](const std::string& options) {
+    const std::vector<std::string> before = m_folder.Files();
+    const ProgramResult result = m_folder.Run("import taifex " + options);
+    EXPECT_EQ(result.exitCode, 2) << options;
+    EXPECT_EQ(m_folder.Files(), before) << options;
+    return result.errors;
+  };
+  m_folder.Write("real.ticks.csv", kOptions);
+  EXPECT_EQ(refusal("--options real.ticks.csv --futures futures.csv --out ./real.day.jsonl"),
+            "iorder: ./real.ticks.csv: is the file of the options' trades, which is read; expected another "
+            "place for the "
+            "day's ticks\n");
+  EXPECT_EQ(m_folder.Read("real.ticks.csv"), kOptions);
+  m_folder.Write("real.ticks.csv", kFutures);
+  EXPECT_EQ(refusal("--options options.csv --futures real.ticks.csv --out real.day.jsonl"),
+            "iorder: real.ticks.csv: is the file of the futures' trades, which is read; expected another "
+            "place for the "
+            "day's ticks\n");
+  EXPECT_EQ(m_folder.Read("real.ticks.csv"), kFutures);
+  const std::string series = "product,expiry,strike,right\nTXO,202108,17000,P\n";
+  m_folder.Write("list.day.jsonl", series);
+  EXPECT_EQ(
+      refusal("--options options.csv --futures futures.csv --series list.day.jsonl --out list.day.jsonl"),
+      "iorder: list.day.jsonl: is the list of series, which is read; expected another place for the day\n");
+  EXPECT_EQ(m_folder.Read("list.day.jsonl"), series);
+}
+
 }  // namespace
 }  // namespace iorder
