@@ -87,9 +87,16 @@ GivenCommand ReadCommandArgument(const std::string& argument) {
   return {argument.substr(0, sign), time};
 }
 
-/// When a command of this time of day comes. A day may go on past midnight.
+/// When a command of this time of day comes. Only a day that says when it ends is known to go on past
+/// midnight.
 LocalTime TimeInDay(const DayHead& head, Milliseconds time, const std::string& argument) {
   LocalTime at = DateOf(head.start) + time;
+  if (at < head.start && !head.end) {
+    throw InputError(fmt::format(
+        "--command: '{}' comes before the day, expected a time from {}, or a day with an 'end' on "
+        "the next date",
+        argument, TimeText(head.start).substr(11)));
+  }
   if (at < head.start) at += std::chrono::days(1);
   if (head.end && at > *head.end) {
     throw InputError(fmt::format("--command: '{}' lies outside the day, expected a time from {} to {}",

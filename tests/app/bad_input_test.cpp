@@ -124,6 +124,15 @@ TEST_F(BadInput, ACommandAtAWrongTime) {
   }
 }
 
+TEST_F(BadInput, ACommandBeforeADayThatNamesNoEnd) {
+  m_folder.Write("a.day.jsonl", R"({"day": {"start": "2024-03-04T08:40:00"}})");
+  m_folder.Write("c.json", "{}");
+  EXPECT_EQ(Replay("a.day.jsonl --command c.json@08:39"),
+            "--command: 'c.json@08:39' comes before the day, expected a time from 08:40:00, or a day with an "
+            "'end' on the next date\n");
+  EXPECT_EQ(m_folder.Run("replay a.day.jsonl --command c.json@08:40").exitCode, 0);
+}
+
 TEST_F(BadInput, OptionsThatAreWrong) {
   m_folder.Write("a.day.jsonl", kHead);
   const std::pair<const char*, const char*> cases[] = {
