@@ -68,11 +68,12 @@ void CHappeningReader::OnCommand(std::string_view topic, std::string_view text) 
 void CHappeningReader::OnMessage(std::string_view json) {
   rapidjson::Document message;
   if (ParseJson(json, message)) return;
-  const rapidjson::Value* const data = FindMember(message, "Data");
-  if (data == nullptr) return;
   const std::string strategy = TextOf(message, "StrategyType") + '_' + TextOf(message, "StrategyID") + '_' +
                                TextOf(message, "StrategySN");
   const std::string kind = TextOf(message, "MsgType");
+  if (kind == "ClearReport") m_positions.OnClear(strategy, TextOf(message, "StrategyTag"));
+  const rapidjson::Value* const data = FindMember(message, "Data");
+  if (data == nullptr) return;
   if (kind == "Scanner") {
     const rapidjson::Value* const price = FindMember(*data, "OpenPrice");
     const std::optional<int64_t> accepted = IntegerOf(*data, "OpenPriceOK");

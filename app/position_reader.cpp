@@ -62,6 +62,12 @@ void CPositionReader::OnReport(const std::string& strategy, const rapidjson::Val
   m_tell(now);
 }
 
+void CPositionReader::OnClear(const std::string& strategy, const std::string& tag) {
+  if (m_beginning.erase(strategy) == 0) return;
+  const auto limit = m_limits.find(tag);
+  if (limit != m_limits.end()) limit->second.isTold = false;
+}
+
 void CPositionReader::OnTotal(std::string_view json) {
   rapidjson::Document message;
   if (ParseJson(json, message) || TextOf(message, "MsgType") != "TotalProfit") return;
@@ -77,7 +83,7 @@ void CPositionReader::OnStrategyLog(const std::string& strategy, std::string_vie
     OnOrderReport(strategy, text);
   } else if (text.starts_with("Reset. ")) {
     m_ended.erase(strategy);
-    m_limits.clear();
+    m_beginning.insert(strategy);
   } else if (text == "Wait Reset.") {
     EndRun(strategy, "stop time");
   } else if (text == "Stop.") {
@@ -114,8 +120,7 @@ void CPositionReader::OnLog(std::string_view text) {
     const std::string id(Between(text, "strStrategyID=", ", strStrStrategyTag=").value_or(""));
     const std::string tag(Between(text, "strStrStrategyTag=", ", m_strStrStrategySN=").value_or(""));
     const std::string_view serial = Between(text, "m_strStrStrategySN=", "\n").value_or("");
-    EndRun("OpenLottery_" + id + '_' + std::string(serial.substr(0, serial.rfind('.'))),
-           m_limits[tag] + " limit");
+    EndRun("OpenLottery_" + id + '_' + std::string(serial.substr(0, serial.rfind('.'))), LimitName(tag));
   } else if (text.starts_with("[OpenLottery] CalPositionProfit.")) {
     OnLimit(text);
   }
@@ -128,15 +133,21 @@ void CPositionReader::OnLimit(std::string_view text) {
   limit.tag = Between(text, "strStrategyTag=", ", dbTotalPnL").value_or("");
   limit.side = kind[0] == 'P' ? "profit" : "loss";
   limit.isPercent = kind.size() == 2;
-  std::string& told = m_limits[limit.tag];
-  if (told == limit.side) return;  // a limit that was reached is told again at each check
-  told = limit.side;
+  Limit& known = m_limits[limit.tag];
+  // The engine says it again at each check.
+  if (known.isTold && known.side == limit.side) return;
+  known = {limit.side, true};
   limit.reached = WithoutTrailingZeros(
       Between(text, limit.isPercent ? "dbTotalPnLP=" : "dbTotalPnL=", ", ").value_or(""));
   const std::string_view value = text.substr(text.rfind('=') + 1);
   // The line ends with a full stop of its own.
   limit.limit = WithoutTrailingZeros(value.substr(0, value.size() - 1));
   m_tell(limit);
+}
+
+std::string CPositionReader::LimitName(const std::string& tag) const {
+  const auto known = m_limits.find(tag);
+  return known == m_limits.end() ? "limit" : known->second.side + " limit";
 }
 
 void CPositionReader::EndRun(const std::string& strategy, const std::string& reason) {

@@ -22,6 +22,8 @@ class CPositionReader {
 
   /// A message of a strategy: its kind and body.
   void OnMessage(const std::string& strategy, const std::string& kind, const rapidjson::Value& data);
+  /// "ClearReport": a run of a strategy of this tag begins, or a command waits for its time.
+  void OnClear(const std::string& strategy, const std::string& tag);
   /// "TotalProfit", which names a tag in place of a strategy.
   void OnTotal(std::string_view json);
   /// A line of a strategy, behind its key.
@@ -32,6 +34,10 @@ class CPositionReader {
  private:
   /// Strategy, run, symbol.
   using PositionKey = std::tuple<std::string, std::string, std::string>;
+  struct Limit {
+    std::string side;  ///< profit or loss, the one that was reached last
+    bool isTold = false;
+  };
   struct Fills {
     int64_t lots = 0;
     ScaledValue average = 0;
@@ -40,12 +46,15 @@ class CPositionReader {
   void OnReport(const std::string& strategy, const rapidjson::Value& data);
   void OnOrderReport(const std::string& strategy, std::string_view text);
   void OnLimit(std::string_view text);
+  /// Which limit ends the runs of a tag, as "profit limit".
+  std::string LimitName(const std::string& tag) const;
   void EndRun(const std::string& strategy, const std::string& reason);
 
   std::function<void(const Happening&)> m_tell;
   std::map<PositionKey, PositionChanged> m_positions;
   std::map<std::pair<std::string, std::string>, Fills> m_fills;  ///< by strategy and report
-  std::map<std::string, std::string> m_limits;                   ///< by tag: the side that was told
+  std::map<std::string, Limit> m_limits;                         ///< by tag
+  std::set<std::string> m_beginning;                             ///< strategies whose run is about to begin
   std::set<std::string> m_ended;                                 ///< strategies whose end was told
 };
 

@@ -223,6 +223,45 @@ TEST_F(PositionHappeningTest, ALimitIsToldOnceAndEndsTheRun) {
                           "end           OpenLottery_S1_1: by loss limit"));
 }
 
+TEST_F(PositionHappeningTest, ALimitIsToldAnewOnlyAfterAStartInItsTag) {
+  const auto begin = [this](const std::string& id, const std::string& tag) {
+    Log("[OpenLottery]<OpenLottery_" + id + "_1.1> Reset. strRoot={}.");
+    reader.OnCommand("MSG.NewStrategyOrder", R"({"StrategyType":"OpenLottery","StrategyTag":")" + tag +
+                                                 R"(","StrategyID":")" + id +
+                                                 R"(","StrategySN":"1","MsgType":"ClearReport"})");
+    words.clear();
+  };
+  const auto check = [this](const std::string& tag) {
+    Log("[OpenLottery] CalPositionProfit.P. strStrategyTag=" + tag + ", dbTotalPnL=900.000000, " +
+        "llProfitValue=500.");
+  };
+  const std::string told = "limit         T: the profit limit of 500 is reached with 900";
+  check("T");
+  check("U");
+  words.clear();
+  begin("S2", "U");
+  check("T");
+  EXPECT_THAT(words, IsEmpty());
+  Log("[OpenLottery] CalPositionProfit.ClosPos. strStrategyID=S1, strStrStrategyTag=T, "
+      "m_strStrStrategySN=1.");
+  EXPECT_THAT(words, ElementsAre("end           OpenLottery_S1_1: by profit limit"));
+  begin("S1", "T");
+  // A strategy of the tag that starts between the check and the end.
+  Log("[OpenLottery] CalPositionProfit.ClosPos. strStrategyID=S3, strStrStrategyTag=T, "
+      "m_strStrStrategySN=1.");
+  EXPECT_THAT(words, ElementsAre("end           OpenLottery_S3_1: by profit limit"));
+  words.clear();
+  check("T");
+  check("T");
+  EXPECT_THAT(words, ElementsAre(told));
+}
+
+TEST_F(PositionHappeningTest, AnEndWhoseLimitWasNotSeenIsByALimit) {
+  Log("[OpenLottery] CalPositionProfit.ClosPos. strStrategyID=S1, strStrStrategyTag=T, "
+      "m_strStrStrategySN=1.");
+  EXPECT_THAT(words, ElementsAre("end           OpenLottery_S1_1: by limit"));
+}
+
 TEST_F(PositionHappeningTest, TheTablesOfPositionsAndTagsCloseTheDay) {
   Log("GetStringFromSecurity. SymbolID=ND.O.TWF.TX, strMapKey=ND.O.TWF.TX.202403.C.18000:Weight, "
       "strResult=50.");
