@@ -44,7 +44,7 @@ CDayTables::CDayTables(const std::array<fs::path, 4>& files)
     : m_orders(files[0]), m_fills(files[1]), m_positions(files[2]), m_profit(files[3]) {
   m_orders.Write("at,strategy,account,symbol,side,lots,price,closes\n");
   m_fills.Write("at,strategy,symbol,report,side,lots,price,filled,sent\n");
-  m_positions.Write("at,strategy,run,symbol,bought,bought_at,sold,sold_at,held\n");
+  m_positions.Write("at,strategy,life,run,symbol,bought,bought_at,sold,sold_at,held\n");
   m_profit.Write("at,tag,cost,profit\n");
 }
 
@@ -68,9 +68,10 @@ void CDayTables::Write(const std::string& at, const Happening& happening) {
                               Cell(fill->report), fill->closes ? 'S' : 'B', fill->lots,
                               DecimalText(fill->price), fill->filled, fill->sent));
   } else if (const auto* position = std::get_if<PositionChanged>(&happening)) {
-    m_positions.Write(fmt::format("{},{},{},{},{},{},{},{},{}\n", at, Cell(position->strategy), position->run,
-                                  Cell(position->symbol), position->bought, PriceOrNone(position->boughtAt),
-                                  position->sold, PriceOrNone(position->soldAt), position->held));
+    m_positions.Write(fmt::format("{},{},{},{},{},{},{},{},{},{}\n", at, Cell(position->strategy),
+                                  position->life, position->run, Cell(position->symbol), position->bought,
+                                  PriceOrNone(position->boughtAt), position->sold,
+                                  PriceOrNone(position->soldAt), position->held));
   } else if (const auto* total = std::get_if<TagTotalChanged>(&happening)) {
     m_profit.Write(fmt::format("{},{},{},{}\n", at, Cell(total->tag), total->cost, MoneyText(total->profit)));
   }

@@ -91,6 +91,8 @@ struct OrderFilled {
 /// What a strategy holds of a symbol in one of its runs, as the engine counts it.
 struct PositionChanged {
   std::string strategy;
+  int64_t life =
+      1;  ///< counts the strategies of this key: one that was deleted counts its runs from the start
   std::string run;  ///< stamp of the run
   std::string symbol;
   int64_t bought = 0;
@@ -105,6 +107,7 @@ struct PositionChanged {
 /// A position was valued at a new price; profit in money.
 struct PositionValued {
   std::string strategy;
+  int64_t life = 1;
   std::string run;
   std::string symbol;
   double last = 0;

@@ -104,6 +104,8 @@ void CHappeningReader::OnLog(std::string_view text) {
   } else if (const auto gone = Between(text, "DelStrategy. StrategyKey=", "\n")) {
     // The line ends with a full stop of its own.
     const std::string strategy(gone->substr(0, gone->rfind('.')));
+    m_ending.erase(strategy);
+    m_positions.OnGone(strategy);
     if (m_states.erase(strategy) != 0) m_tell(StrategyGone{strategy});
   } else if (text.starts_with("JSON Parse Fail! ")) {
     m_tell(CommandRefused{std::string(Between(text, "JSON Parse Fail! ", ", strOrderInfo=").value_or(""))});

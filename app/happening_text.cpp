@@ -203,6 +203,7 @@ void Write(CMembers& members, const OrderFilled& fill) {
 void Write(CMembers& members, const PositionChanged& position) {
   members.Text("kind", "position");
   members.Text("strategy", position.strategy);
+  members.Number("life", position.life);
   members.Text("run", position.run);
   members.Text("symbol", position.symbol);
   members.Number("bought", position.bought);
@@ -215,6 +216,7 @@ void Write(CMembers& members, const PositionChanged& position) {
 void Write(CMembers& members, const PositionValued& valued) {
   members.Text("kind", "profit");
   members.Text("strategy", valued.strategy);
+  members.Number("life", valued.life);
   members.Text("run", valued.run);
   members.Text("symbol", valued.symbol);
   members.Double("last", valued.last);

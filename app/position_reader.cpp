@@ -34,19 +34,21 @@ void CPositionReader::OnMessage(const std::string& strategy, const std::string& 
     const auto last = NumberOf(data, "Last");
     const auto profit = NumberOf(data, "PnL");
     if (last && profit)
-      m_tell(PositionValued{strategy, TextOf(data, "Stamp"), TextOf(data, "Symbol"), *last, *profit});
+      m_tell(PositionValued{strategy, LifeOf(strategy), TextOf(data, "Stamp"), TextOf(data, "Symbol"), *last,
+                            *profit});
   }
 }
 
 void CPositionReader::OnReport(const std::string& strategy, const rapidjson::Value& data) {
   const auto held = IntegerOf(data, "Position");
   if (!held) return;
+  const int64_t life = LifeOf(strategy);
   const std::string run = TextOf(data, "Stamp");
   const std::string symbol = TextOf(data, "Symbol");
-  PositionChanged& known =
-      m_positions
-          .try_emplace({strategy, run, symbol}, PositionChanged{strategy, run, symbol, 0, {}, 0, {}, 0})
-          .first->second;
+  PositionChanged& known = m_positions
+                               .try_emplace({strategy, life, run, symbol},
+                                            PositionChanged{strategy, life, run, symbol, 0, {}, 0, {}, 0})
+                               .first->second;
   PositionChanged now = known;
   now.held = *held;
   if (const auto bought = IntegerOf(data, "CumQty")) {
@@ -89,6 +91,16 @@ void CPositionReader::OnStrategyLog(const std::string& strategy, std::string_vie
   } else if (text == "Stop.") {
     EndRun(strategy, "stop command");
   }
+}
+
+void CPositionReader::OnGone(const std::string& strategy) {
+  ++m_gone[strategy];
+  m_ended.erase(strategy);
+}
+
+int64_t CPositionReader::LifeOf(const std::string& strategy) const {
+  const auto gone = m_gone.find(strategy);
+  return gone == m_gone.end() ? 1 : gone->second + 1;
 }
 
 void CPositionReader::OnOrderReport(const std::string& strategy, std::string_view text) {

@@ -28,12 +28,14 @@ class CPositionReader {
   void OnTotal(std::string_view json);
   /// A line of a strategy, behind its key.
   void OnStrategyLog(const std::string& strategy, std::string_view text);
+  /// The strategy was deleted. One that is started with its key later is another.
+  void OnGone(const std::string& strategy);
   /// A line of the engine itself.
   void OnLog(std::string_view text);
 
  private:
-  /// Strategy, run, symbol.
-  using PositionKey = std::tuple<std::string, std::string, std::string>;
+  /// Strategy, life, run, symbol.
+  using PositionKey = std::tuple<std::string, int64_t, std::string, std::string>;
   struct Limit {
     std::string side;  ///< profit or loss, the one that was reached last
     bool isTold = false;
@@ -50,8 +52,11 @@ class CPositionReader {
   std::string LimitName(const std::string& tag) const;
   void EndRun(const std::string& strategy, const std::string& reason);
 
+  int64_t LifeOf(const std::string& strategy) const;
+
   std::function<void(const Happening&)> m_tell;
   std::map<PositionKey, PositionChanged> m_positions;
+  std::map<std::string, int64_t> m_gone;                         ///< by strategy: how often it was deleted
   std::map<std::pair<std::string, std::string>, Fills> m_fills;  ///< by strategy and report
   std::map<std::string, Limit> m_limits;                         ///< by tag
   std::set<std::string> m_beginning;                             ///< strategies whose run is about to begin

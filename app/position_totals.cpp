@@ -58,12 +58,12 @@ double CPositionTotals::Row::Cost() const {
 
 void CPositionTotals::Add(const Happening& happening) {
   if (const auto* position = std::get_if<PositionChanged>(&happening)) {
-    Row& row = m_rows[{position->strategy, position->run, position->symbol}];
+    Row& row = m_rows[{position->strategy, position->life, position->run, position->symbol}];
     row.position = *position;
     const auto weight = m_weights.find(position->symbol);
     if (weight != m_weights.end()) row.weight = weight->second;
   } else if (const auto* valued = std::get_if<PositionValued>(&happening)) {
-    const auto row = m_rows.find({valued->strategy, valued->run, valued->symbol});
+    const auto row = m_rows.find({valued->strategy, valued->life, valued->run, valued->symbol});
     if (row != m_rows.end()) row->second.last = valued->last;
   } else if (const auto* total = std::get_if<TagTotalChanged>(&happening)) {
     m_tags[total->tag] = *total;
@@ -72,24 +72,24 @@ void CPositionTotals::Add(const Happening& happening) {
     const int64_t weight = std::max<int64_t>(known->weight, 1);
     m_weights[known->symbol] = weight;
     for (auto& [key, row] : m_rows) {
-      if (std::get<2>(key) == known->symbol) row.weight = weight;
+      if (std::get<3>(key) == known->symbol) row.weight = weight;
     }
   }
 }
 
 std::string CPositionTotals::PositionTable() const {
-  std::vector<std::array<std::string, 12>> lines;
-  lines.push_back({"strategy", "run", "symbol", "bought", "average", "sold", "average", "held", "last",
-                   "realised", "open", "cost"});
+  std::vector<std::array<std::string, 13>> lines;
+  lines.push_back({"strategy", "life", "run", "symbol", "bought", "average", "sold", "average", "held",
+                   "last", "realised", "open", "cost"});
   for (const auto& [key, row] : m_rows) {
     const PositionChanged& position = row.position;
-    lines.push_back({position.strategy, position.run, SymbolWords(position.symbol),
-                     std::to_string(position.bought), PriceOr(position.boughtAt),
-                     std::to_string(position.sold), PriceOr(position.soldAt), std::to_string(position.held),
-                     PriceOr(row.last), MoneyText(row.Realised()), MoneyText(row.Open()),
-                     MoneyText(row.Cost())});
+    lines.push_back({position.strategy, std::to_string(position.life), position.run,
+                     SymbolWords(position.symbol), std::to_string(position.bought),
+                     PriceOr(position.boughtAt), std::to_string(position.sold), PriceOr(position.soldAt),
+                     std::to_string(position.held), PriceOr(row.last), MoneyText(row.Realised()),
+                     MoneyText(row.Open()), MoneyText(row.Cost())});
   }
-  return Align(lines, 3);
+  return Align(lines, 4);
 }
 
 std::string CPositionTotals::TagTable() const {
@@ -127,6 +127,7 @@ void CPositionTotals::WriteJson(CJsonWriter& writer) const {
   for (const auto& [key, row] : m_rows) {
     writer.StartObject();
     text("strategy", row.position.strategy);
+    integer("life", row.position.life);
     text("run", row.position.run);
     text("symbol", row.position.symbol);
     integer("bought", row.position.bought);

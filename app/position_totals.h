@@ -26,7 +26,7 @@ class CPositionTotals {
 
   void Add(const Happening& happening);
 
-  /// By strategy, run and symbol.
+  /// By strategy, life, run and symbol.
   const auto& Rows() const { return m_rows; }
 
   /// The closing tables of positions and tags; "" if there was none.
@@ -35,7 +35,7 @@ class CPositionTotals {
   void WriteJson(CJsonWriter& writer) const;
 
  private:
-  using Key = std::tuple<std::string, std::string, std::string>;
+  using Key = std::tuple<std::string, int64_t, std::string, std::string>;
 
   std::string PositionTable() const;
   std::string TagTable() const;

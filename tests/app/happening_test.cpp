@@ -262,6 +262,34 @@ TEST_F(PositionHappeningTest, AnEndWhoseLimitWasNotSeenIsByALimit) {
   EXPECT_THAT(words, ElementsAre("end           OpenLottery_S1_1: by limit"));
 }
 
+TEST_F(PositionHappeningTest, AStrategyThatIsDeletedAndStartedAnewHasALifeOfItsOwn) {
+  Log("[OpenLottery] Start. strStrategyKey=OpenLottery_S1_1, idx=0, pStrategy=1.");
+  Message("Report", R"("CumQty":3,"AvgPrice":14.5,"Position":3)");
+  Message("Report", R"("CloseAvgPrice":16.0,"CloseQty":3,"Position":0)");
+  Message("Profit", R"("Last":16.0,"PnL":4.5)");
+  StrategyLog("Stop.");
+  Log("DelStrategy. StrategyKey=OpenLottery_S1_1.");
+  Log("[OpenLottery] Start. strStrategyKey=OpenLottery_S1_1, idx=0, pStrategy=2.");
+  words.clear();
+  Message("Report", R"("CumQty":2,"AvgPrice":10.0,"Position":2)");
+  Message("Profit", R"("Last":12.0,"PnL":4.0)");
+  StrategyLog("Stop.");
+  EXPECT_THAT(words,
+              ElementsAre("position      OpenLottery_S1_1: TX Mar24 18000 call holds 2, bought 2 at 10",
+                          "profit        OpenLottery_S1_1: TX Mar24 18000 call at 12, 4.00",
+                          "end           OpenLottery_S1_1: by stop command",
+                          "state         OpenLottery_S1_1: stopped by command"));
+  EXPECT_THAT(
+      totals.Table(),
+      testing::StartsWith(
+          "strategy          life  run  symbol               bought  average  sold  average  held  last  "
+          "realised  open   cost\n"
+          "OpenLottery_S1_1  1     0    TX Mar24 18000 call       3     14.5     3       16     0    16      "
+          "4.50  0.00  43.50\n"
+          "OpenLottery_S1_1  2     0    TX Mar24 18000 call       2       10     0        -     2    12      "
+          "0.00  4.00  20.00\n"));
+}
+
 TEST_F(PositionHappeningTest, TheTablesOfPositionsAndTagsCloseTheDay) {
   Log("GetStringFromSecurity. SymbolID=ND.O.TWF.TX, strMapKey=ND.O.TWF.TX.202403.C.18000:Weight, "
       "strResult=50.");
@@ -273,21 +301,22 @@ TEST_F(PositionHappeningTest, TheTablesOfPositionsAndTagsCloseTheDay) {
   Message("Profit", R"("Last":12.0,"PnL":-125.0)");
   Total(R"({"Cost":2175,"PnL":-125.0})");
   StrategyLog("Wait Reset.");
-  EXPECT_EQ(
-      totals.Table(),
-      "strategy          run  symbol               bought  average  sold  average  held  last  realised     "
-      "open     cost\n"
-      "OpenLottery_S1_1  0    TX Mar24 18000 call       3     14.5     2       16     1    12    150.00  "
-      "-125.00  2175.00\n"
-      "\n"
-      "tag  cost   profit\n"
-      "T    2175  -125.00\n"
-      "\n"
-      "strategy          state        accepted  orders    lots          cash  ended by\n"
-      "OpenLottery_S1_1  not running         0       0       0             0  stop time\n"
-      "0 orders, 0 cancels, 0 faults\n");
+  EXPECT_EQ(totals.Table(),
+            "strategy          life  run  symbol               bought  average  sold  average  held  last  "
+            "realised     "
+            "open     cost\n"
+            "OpenLottery_S1_1  1     0    TX Mar24 18000 call       3     14.5     2       16     1    12    "
+            "150.00  "
+            "-125.00  2175.00\n"
+            "\n"
+            "tag  cost   profit\n"
+            "T    2175  -125.00\n"
+            "\n"
+            "strategy          state        accepted  orders    lots          cash  ended by\n"
+            "OpenLottery_S1_1  not running         0       0       0             0  stop time\n"
+            "0 orders, 0 cancels, 0 faults\n");
   EXPECT_THAT(totals.Json({}),
-              HasSubstr(R"("positions":[{"strategy":"OpenLottery_S1_1","run":"0",)"
+              HasSubstr(R"("positions":[{"strategy":"OpenLottery_S1_1","life":1,"run":"0",)"
                         R"("symbol":"ND.O.TWF.TX.202403.C.18000","bought":3,"bought_at":14.5,)"
                         R"("sold":2,"sold_at":16.0,"held":1,"last":12.0,"realised":150.0,)"
                         R"("open":-125.0,"cost":2175.0}],"tags":[{"tag":"T","cost":2175,)"
