@@ -19,62 +19,54 @@ void Fill(BookOrder& order, ScaledValue price, int64_t quantity, std::vector<Boo
 }  // namespace
 
 void COrderBook::Quote(const QuoteUpdate& update, std::vector<BookFill>& fills) {
-  const bool isEmpty = m_buys.empty() && m_sells.empty();
-  const std::optional<Liquidity> trade = isEmpty ? std::nullopt : TradeOf(update, m_volume);
+  const std::optional<Liquidity> trade = TradeOf(update, m_volume, m_partial);
   for (size_t i = 0; i < update.count; ++i) {
     const QuoteUpdate::Number& number = update.numbers[i];
-    if (number.id == quote_field::kPrice) m_last = number.remove ? NoValue : number.value;
-    if (number.id == quote_field::kVolume) m_volume = number.remove ? NoValue : number.value;
+    if (number.id == quote_field::kPrice) m_last = {number.remove ? NoValue : number.value, 0, 0};
+    if (number.id == quote_field::kVolume) {
+      m_volume = number.remove ? std::nullopt : std::optional(number.value);
+    }
   }
-  RenewBest(update);
-  if (isEmpty) return;
-  if (trade) FillByTrade(*trade, fills);
-  FillByBest(OrderSide::kBuy, fills);
-  FillByBest(OrderSide::kSell, fills);
+  const bool renewsBid = Renew(m_bid, m_bidQuantity, update.best.bid, update.best.bidQuantity);
+  const bool renewsAsk = Renew(m_ask, m_askQuantity, update.best.ask, update.best.askQuantity);
+  if (trade) {
+    m_last = *trade;
+    FillFrom(m_last, OrderSide::kBuy, fills);
+    FillFrom(m_last, OrderSide::kSell, fills);
+  }
+  // An order meets a best price once: here, or as it comes in. So it can't take its share of it twice.
+  if (renewsAsk) FillFrom(m_ask, OrderSide::kBuy, fills);
+  if (renewsBid) FillFrom(m_bid, OrderSide::kSell, fills);
 }
 
-void COrderBook::RenewBest(const QuoteUpdate& update) {
-  const BestPrices& best = update.best;
-  const auto renew = [this](Liquidity& side, int64_t& told, ScaledValue price, int64_t quantity) {
-    if (price == NoValue && quantity == NoValue) return;
-    if (price != NoValue) side.price = price > 0 ? price : NoValue;
-    if (quantity != NoValue) told = quantity;
-    side.quantity = ShareOf(std::max<int64_t>(told, 0), m_partial);
-  };
-  renew(m_bid, m_bidQuantity, best.bid, best.bidQuantity);
-  renew(m_ask, m_askQuantity, best.ask, best.askQuantity);
-}
-
-void COrderBook::FillByTrade(const Liquidity& trade, std::vector<BookFill>& fills) {
-  Liquidity share{trade.price, ShareOf(trade.quantity, m_partial)};
-  FillFrom(share, OrderSide::kBuy, fills);
-  FillFrom(share, OrderSide::kSell, fills);
-}
-
-void COrderBook::FillByBest(OrderSide side, std::vector<BookFill>& fills) {
-  FillFrom(side == OrderSide::kBuy ? m_ask : m_bid, side, fills);
+/// False if the update doesn't name the best price of this side.
+bool COrderBook::Renew(Liquidity& best, int64_t& told, ScaledValue price, int64_t quantity) const {
+  if (price == NoValue && quantity == NoValue) return false;
+  if (price != NoValue) best.price = price > 0 ? price : NoValue;
+  if (quantity != NoValue) told = quantity;
+  best.quantity = std::max<int64_t>(told, 0);
+  best.share = ShareOf(best.quantity, m_partial);
+  return true;
 }
 
 void COrderBook::FillFrom(Liquidity& liquidity, OrderSide side, std::vector<BookFill>& fills) {
   std::vector<BookOrder>& orders = OrdersOf(side);
-  size_t filled = 0;
-  // Who stands behind an order that the price doesn't reach isn't reached either.
-  while (filled < orders.size() && Take(liquidity, orders[filled], fills) && orders[filled].left == 0) {
-    ++filled;
+  const size_t before = fills.size();
+  for (BookOrder& order : orders) {
+    // Who stands behind an order that the price doesn't reach isn't reached either.
+    if (!Take(liquidity, order, fills)) break;
   }
-  orders.erase(orders.begin(), orders.begin() + static_cast<std::ptrdiff_t>(filled));
+  if (fills.size() == before) return;
+  std::erase_if(orders, [](const BookOrder& order) { return order.left == 0; });
 }
 
-/// Fills the order as far as the liquidity goes. False if it doesn't go to this order at all.
+/// Fills the order with its share, as far as the liquidity goes. False if it doesn't go to this order at all.
 bool COrderBook::Take(Liquidity& liquidity, BookOrder& order, std::vector<BookFill>& fills) const {
-  if (m_fill == OrderRules::Fill::kNone || liquidity.price == NoValue || liquidity.quantity <= 0) {
-    return false;
-  }
+  if (m_fill == OrderRules::Fill::kNone || liquidity.price == NoValue) return false;
   const bool isAtMarket = order.limit == NoValue;
-  if (!isAtMarket && !Reaches(m_fill, order.side, order.limit, liquidity.price)) {
-    return false;
-  }
-  const int64_t quantity = std::min(order.left, liquidity.quantity);
+  if (!isAtMarket && !Reaches(m_fill, order.side, order.limit, liquidity.price)) return false;
+  const int64_t quantity = std::min({order.left, liquidity.share, liquidity.quantity});
+  if (quantity <= 0) return false;
   Fill(order, isAtMarket ? liquidity.price : order.limit, quantity, fills);
   if (liquidity.quantity != kAnyQuantity) liquidity.quantity -= quantity;
   return true;
@@ -94,7 +86,7 @@ void COrderBook::FillAtOnce(BookOrder& order, std::vector<BookFill>& fills) {
   Liquidity& best = order.side == OrderSide::kBuy ? m_ask : m_bid;
   if (m_fill == OrderRules::Fill::kNone) return;
   if (order.limit == NoValue) {
-    const ScaledValue price = m_last != NoValue ? m_last : best.price;
+    const ScaledValue price = m_last.price != NoValue ? m_last.price : best.price;
     if (price != NoValue) Fill(order, price, order.left, fills);
     return;
   }
@@ -102,8 +94,10 @@ void COrderBook::FillAtOnce(BookOrder& order, std::vector<BookFill>& fills) {
     Fill(order, order.limit, order.left, fills);
     return;
   }
-  Liquidity last{m_last, kAnyQuantity};
-  Take(best.price == NoValue && order.lastStandsIn ? last : best, order, fills);
+  const bool lastStandsIn = best.price == NoValue && order.lastStandsIn;
+  // Nobody can say what the share of an unknown quantity is, and this trade is over.
+  if (lastStandsIn && m_last.quantity == kAnyQuantity && m_partial != kWholeShare) return;
+  Take(lastStandsIn ? m_last : best, order, fills);
 }
 
 bool COrderBook::Cancel(int32_t number) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "terminal/order_matching.h"
@@ -27,8 +28,9 @@ struct BookFill {
 ///
 /// A limit order is filled at its own price, by a trade that comes while it works or by the best price of the
 /// other side, when that is renewed or as the order comes in. An order at the market is filled whole at the
-/// last price as it comes in. A trade, and a best price until it is renewed, fills together no more than the
-/// share of its quantity; the better price comes first, then the earlier order, then the buy.
+/// last price as it comes in. Of a trade, and of a best price until it is renewed, each order takes no more
+/// than the share of its quantity and all together no more than the quantity; the better price comes first,
+/// then the earlier order, then the buy.
 ///
 /// Fills are appended in the order in which they happen. It knows no time and has no lock of its own.
 class COrderBook {
@@ -43,26 +45,24 @@ class COrderBook {
   bool Cancel(int32_t number);
 
   /// NoValue: unknown. A price of 0 or less is no best price.
-  ScaledValue Last() const { return m_last; }
+  ScaledValue Last() const { return m_last.price; }
   ScaledValue Bid() const { return m_bid.price; }
   ScaledValue Ask() const { return m_ask.price; }
 
  private:
   std::vector<BookOrder>& OrdersOf(OrderSide side) { return side == OrderSide::kBuy ? m_buys : m_sells; }
   void FillAtOnce(BookOrder& order, std::vector<BookFill>& fills);
-  void RenewBest(const QuoteUpdate& update);
-  void FillByTrade(const Liquidity& trade, std::vector<BookFill>& fills);
-  void FillByBest(OrderSide side, std::vector<BookFill>& fills);
+  bool Renew(Liquidity& best, int64_t& told, ScaledValue price, int64_t quantity) const;
   void FillFrom(Liquidity& liquidity, OrderSide side, std::vector<BookFill>& fills);
   bool Take(Liquidity& liquidity, BookOrder& order, std::vector<BookFill>& fills) const;
 
   const OrderRules::Fill m_fill;
   const Share m_partial;
-  ScaledValue m_last = NoValue;
-  int64_t m_volume = NoValue;
+  std::optional<int64_t> m_volume;
   int64_t m_bidQuantity = kAnyQuantity;  ///< as the feed told them last
   int64_t m_askQuantity = kAnyQuantity;
-  Liquidity m_bid;  ///< with what orders may still take of it
+  Liquidity m_last;  ///< the last trade, with what orders may still take of it; without any, the last price
+  Liquidity m_bid;   ///< with what orders may still take of it
   Liquidity m_ask;
   std::vector<BookOrder> m_buys;  ///< the one that is filled first stands first
   std::vector<BookOrder> m_sells;

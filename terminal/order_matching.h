@@ -20,12 +20,14 @@ inline constexpr int64_t kAnyQuantity = std::numeric_limits<int64_t>::max();
 /// Something that orders can be filled by: a trade, or the best price of the other side.
 struct Liquidity {
   ScaledValue price = NoValue;
-  int64_t quantity = 0;
+  int64_t quantity = 0;  ///< what all orders together may (still) take
+  int64_t share = 0;     ///< what one order may take
 };
 
 /// The trade that a quote tells of, if it names a price. Its quantity is the quote's, else the rise of the
-/// volume over `volumeBefore` (NoValue: unknown), else any. A quantity below 1 is no trade.
-std::optional<Liquidity> TradeOf(const QuoteUpdate& update, int64_t volumeBefore);
+/// volume over `volumeBefore`, else any. A quantity below 1 is no trade. `partial`: the share for one order.
+std::optional<Liquidity> TradeOf(const QuoteUpdate& update, const std::optional<int64_t>& volumeBefore,
+                                 Share partial);
 
 /// Whether a market price reaches (kTouch), or passes (kThrough), an order's limit.
 bool Reaches(OrderRules::Fill rule, OrderSide side, ScaledValue limit, ScaledValue market);

@@ -116,22 +116,26 @@ TEST(OrderBook, ABestPriceOfZeroIsNone) {
   EXPECT_EQ(NoValue, book.book.Ask());
 }
 
-TEST(OrderBook, ATradeFillsAllOrdersTogetherWithNoMoreThanItsShare) {
+TEST(OrderBook, OfATradeEachOrderTakesItsShareAndAllTogetherNoMoreThanTheWhole) {
   CTestBook book(Fill::kTouch, kWholeShare / 2);
-  book.Buy(1, 10, 3);
+  book.Buy(1, 10, 9);
   book.Buy(2, 10, 3);
-  EXPECT_THAT(book.Trade(10, 9), ElementsAre("1: 3 at 10", "2: 1 at 10"));
+  book.Sell(3, 10, 9);
+  EXPECT_THAT(book.Trade(10, 9), ElementsAre("1: 4 at 10", "2: 3 at 10", "3: 2 at 10"));
   EXPECT_THAT(book.Trade(10, 1), IsEmpty());
-  EXPECT_THAT(book.Trade(10, 9), ElementsAre("2: 2 at 10"));
+  EXPECT_THAT(book.Trade(10, 9), ElementsAre("1: 4 at 10", "3: 4 at 10"));
 }
 
-TEST(OrderBook, ABestPriceGivesItsShareOnceUntilItIsRenewed) {
+TEST(OrderBook, OfABestPriceEachOrderTakesItsShareOnceUntilItIsRenewed) {
   CTestBook book(Fill::kTouch, kWholeShare / 2);
-  book.Bid(10, 8);
-  EXPECT_THAT(book.Sell(1, 10, 3), ElementsAre("1: 3 at 10"));
-  EXPECT_THAT(book.Sell(2, 10, 3), ElementsAre("2: 1 at 10"));
-  EXPECT_THAT(book.Sell(3, 10, 3), IsEmpty());
-  EXPECT_THAT(book.Bid(10, 8), ElementsAre("2: 2 at 10", "3: 2 at 10"));
+  book.Bid(10, 9);
+  EXPECT_THAT(book.Sell(1, 10, 9), ElementsAre("1: 4 at 10"));
+  EXPECT_THAT(book.Sell(2, 10, 3), ElementsAre("2: 3 at 10"));
+  EXPECT_THAT(book.Ask(12, 9), IsEmpty());
+  EXPECT_THAT(book.Trade(9, 9), IsEmpty());
+  EXPECT_THAT(book.Sell(3, 10, 9), ElementsAre("3: 2 at 10"));
+  EXPECT_THAT(book.Sell(4, 10, 9), IsEmpty());
+  EXPECT_THAT(book.Bid(10, 9), ElementsAre("1: 4 at 10", "3: 4 at 10", "4: 1 at 10"));
 }
 
 TEST(OrderBook, TheBetterPriceComesFirstThenTheEarlierOrderThenTheBuy) {
@@ -166,9 +170,33 @@ TEST(OrderBook, TheLastPriceStandsInForAMissingBestPriceOnlyIfTheOrderSaysSo) {
   CTestBook book;
   book.Trade(9, 1);
   EXPECT_THAT(book.Sell(1, 9, 4), IsEmpty());
-  EXPECT_THAT(book.Enter({2, OrderSide::kSell, 8, 4, true, true}), ElementsAre("2: 4 at 8"));
+  EXPECT_THAT(book.Enter({2, OrderSide::kSell, 8, 4, true, true}), ElementsAre("2: 1 at 8"));
+  book.Trade(9, 9);
   book.Bid(6, 1);
   EXPECT_THAT(book.Enter({3, OrderSide::kSell, 8, 4, true, true}), IsEmpty());
+}
+
+TEST(OrderBook, OfALastTradeThatStandsInNoMoreIsTakenThanOfAnyTrade) {
+  CTestBook book(Fill::kTouch, kWholeShare / 2);
+  const auto sell = [&](int32_t number) { return book.Enter({number, OrderSide::kSell, 8, 9, false, true}); };
+  book.Buy(1, 10, 1);
+  EXPECT_THAT(book.Trade(10, 9), ElementsAre("1: 1 at 10"));
+  EXPECT_THAT(sell(2), ElementsAre("2: 4 at 8"));
+  EXPECT_THAT(sell(3), ElementsAre("3: 4 at 8"));
+  EXPECT_THAT(sell(4), IsEmpty());
+  book.Trade(10, 0);  // a price, but nothing was traded
+  EXPECT_THAT(sell(5), IsEmpty());
+}
+
+TEST(OrderBook, ALastTradeOfUnknownQuantityStandsInOnlyIfOrdersTakeTheWhole) {
+  QuoteUpdate trade;
+  trade.Set(quote_field::kPrice, 10);
+  for (const auto& [partial, lots] : {std::pair{kWholeShare, 9}, {kWholeShare / 2, 0}, {Share{0}, 0}}) {
+    CTestBook book(Fill::kTouch, partial);
+    book.Quote(trade);
+    book.Enter({1, OrderSide::kSell, 8, 9, false, true});
+    EXPECT_EQ(9 - lots, book.left);
+  }
 }
 
 TEST(OrderBook, ImmediateFillsWhateverComesInAtItsOwnPrice) {

@@ -23,26 +23,45 @@ QuoteUpdate Quote(std::initializer_list<std::pair<int32_t, int64_t>> numbers) {
 // ---- Trades ----
 
 TEST(TradeOf, AQuoteThatNamesNoPriceIsNoTrade) {
-  EXPECT_FALSE(TradeOf(Quote({{quote_field::kQuantity, 5}, {quote_field::kVolume, 9}}), 1));
+  EXPECT_FALSE(TradeOf(Quote({{quote_field::kQuantity, 5}, {quote_field::kVolume, 9}}), 1, kWholeShare));
   QuoteUpdate removed;
   removed.Remove(quote_field::kPrice);
-  EXPECT_FALSE(TradeOf(removed, NoValue));
+  EXPECT_FALSE(TradeOf(removed, {}, kWholeShare));
 }
 
 TEST(TradeOf, TheQuantityIsTheQuotesThenTheRiseOfTheVolumeThenAny) {
-  const auto quantity = [](const QuoteUpdate& update, int64_t before) {
-    return TradeOf(update, before)->quantity;
+  const auto quantity = [](const QuoteUpdate& update, std::optional<int64_t> before) {
+    return TradeOf(update, before, kWholeShare)->quantity;
   };
   constexpr int32_t kPrice = quote_field::kPrice;
   EXPECT_EQ(5, quantity(Quote({{kPrice, 1}, {quote_field::kQuantity, 5}, {quote_field::kVolume, 9}}), 1));
   EXPECT_EQ(8, quantity(Quote({{kPrice, 1}, {quote_field::kVolume, 9}}), 1));
-  EXPECT_EQ(kAnyQuantity, quantity(Quote({{kPrice, 1}, {quote_field::kVolume, 9}}), NoValue));
+  EXPECT_EQ(kAnyQuantity, quantity(Quote({{kPrice, 1}, {quote_field::kVolume, 9}}), {}));
   EXPECT_EQ(kAnyQuantity, quantity(Quote({{kPrice, 1}}), 1));
 }
 
 TEST(TradeOf, NothingTradedIsNoTrade) {
-  EXPECT_FALSE(TradeOf(Quote({{quote_field::kPrice, 1}, {quote_field::kQuantity, 0}}), NoValue));
-  EXPECT_FALSE(TradeOf(Quote({{quote_field::kPrice, 1}, {quote_field::kVolume, 9}}), 9));
+  EXPECT_FALSE(TradeOf(Quote({{quote_field::kPrice, 1}, {quote_field::kQuantity, 0}}), {}, kWholeShare));
+  EXPECT_FALSE(TradeOf(Quote({{quote_field::kPrice, 1}, {quote_field::kVolume, 9}}), 9, kWholeShare));
+}
+
+TEST(TradeOf, OneOrderMayTakeItsShare) {
+  const Liquidity trade =
+      *TradeOf(Quote({{quote_field::kPrice, 1}, {quote_field::kQuantity, 5}}), {}, kWholeShare / 2);
+  EXPECT_EQ(5, trade.quantity);
+  EXPECT_EQ(2, trade.share);
+}
+
+TEST(TradeOf, NumbersAtTheEndsOfTheirRangeAreNumbersLikeAnyOther) {
+  constexpr int64_t kLeast = std::numeric_limits<int64_t>::min();
+  constexpr int64_t kMost = std::numeric_limits<int64_t>::max();
+  const auto rise = [](int64_t from, int64_t to) {
+    return TradeOf(Quote({{quote_field::kPrice, 1}, {quote_field::kVolume, to}}), from, kWholeShare);
+  };
+  EXPECT_EQ(kAnyQuantity - 1, rise(kLeast, kMost)->quantity);
+  EXPECT_EQ(1, rise(kLeast, kLeast + 1)->quantity);
+  EXPECT_FALSE(rise(kMost, kLeast));
+  EXPECT_FALSE(TradeOf(Quote({{quote_field::kPrice, 1}, {quote_field::kQuantity, kLeast}}), 1, kWholeShare));
 }
 
 // ---- Prices and shares ----

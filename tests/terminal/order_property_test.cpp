@@ -233,23 +233,119 @@ void CheckNothingMissed(const DrawnOrderDay& day, const DrawnOrderDay::Order& or
   EXPECT_GE(reports.back().filled, std::min(mustHave, order.lots));
 }
 
-/// What one moment of the tape gives all orders together is within its shares.
-void CheckShares(const DrawnOrderDay& day, CDrawnRun& run) {
-  if (day.fill == "immediate") return;
-  std::map<const DrawnOrderDay::Quote*, int64_t> lotsOf;
-  for (size_t i = 0; i < day.orders.size(); ++i) {
-    int64_t filled = 0;
-    for (const Seen& seen : run.Of(i)) {
-      lotsOf[QuoteOf(day, seen)] += seen.filled - filled;
-      filled = seen.filled;
+/// Something of the tape that fills orders, and what it is seen to give them.
+struct Source {
+  int64_t lots = 0;   ///< what it gives all orders together at most
+  int64_t share = 0;  ///< what it gives one order at most
+  int64_t given = 0;
+};
+
+/// A quote: its trade and the best prices that it renews. Of a fill that more than one of them may have
+/// given only the order's side is known.
+struct Sources {
+  Source trade;
+  Source bid;
+  Source ask;
+  int64_t buysByTradeOrAsk = 0;
+  int64_t sellsByTradeOrBid = 0;
+
+  Source& Best(bool isBuy) { return isBuy ? ask : bid; }
+};
+
+using Tape = std::map<const DrawnOrderDay::Quote*, Sources>;
+
+Tape SourcesOf(const DrawnOrderDay& day) {
+  const auto source = [&](const std::optional<int64_t>& lots) {
+    return Source{lots.value_or(0), lots.value_or(0) * day.partialPercent / 100};
+  };
+  Tape tape;
+  for (const DrawnOrderDay::Quote& quote : day.quotes) {
+    tape[&quote] = {source(quote.quantity), source(quote.bidQuantity), source(quote.askQuantity)};
+  }
+  return tape;
+}
+
+/// The last quote of the symbol until then that tells what `member` is.
+const DrawnOrderDay::Quote* LastThatTells(const DrawnOrderDay& day, int symbol, int64_t at,
+                                          std::optional<int64_t> DrawnOrderDay::Quote::*member) {
+  const DrawnOrderDay::Quote* last = nullptr;
+  for (const DrawnOrderDay::Quote& quote : day.quotes) {
+    if (quote.symbol == symbol && quote.at <= at && quote.*member) last = &quote;
+  }
+  return last;
+}
+
+void Give(Source& source, int64_t lots) {
+  EXPECT_LE(lots, source.share);
+  source.given += lots;
+}
+
+/// A limit order that comes in meets the best price, or the last trade in place of a missing one.
+void GiveOnArrival(const DrawnOrderDay& day, const DrawnOrderDay::Order& order, int64_t lots, Tape& tape) {
+  using Quote = DrawnOrderDay::Quote;
+  const int64_t at = order.at + day.latency;
+  const Quote* const best = LastThatTells(day, order.symbol, at, order.isBuy ? &Quote::ask : &Quote::bid);
+  const Quote* const trade = LastThatTells(day, order.symbol, at, &Quote::price);
+  const bool standsIn = best == nullptr && order.bidTicks && trade != nullptr;
+  ASSERT_TRUE(best != nullptr || standsIn);
+  Give(standsIn ? tape[trade].trade : tape[best].Best(order.isBuy), lots);
+}
+
+/// A working order meets the trade of a quote and then the best price that it renews.
+void GiveWorking(const DrawnOrderDay& day, const DrawnOrderDay::Order& order,
+                 const DrawnOrderDay::Quote& quote, const std::vector<int64_t>& lots, Sources& sources) {
+  const std::optional<int64_t> limit = LimitOf(day, order);
+  const auto reaches = [&](const std::optional<int64_t>& price) {
+    return limit ? IsReached(day, order.isBuy, *limit, price) : price.has_value();
+  };
+  const bool byTrade = reaches(quote.price);
+  Source& best = sources.Best(order.isBuy);
+  const bool byBest = reaches(order.isBuy ? quote.ask : quote.bid);
+  ASSERT_LE(lots.size(), size_t{byTrade} + size_t{byBest});
+  if (lots.size() == 2) {
+    Give(sources.trade, lots[0]);
+    Give(best, lots[1]);
+  } else if (byTrade && byBest) {
+    EXPECT_LE(lots[0], std::max(sources.trade.share, best.share));
+    (order.isBuy ? sources.buysByTradeOrAsk : sources.sellsByTradeOrBid) += lots[0];
+  } else {
+    Give(byTrade ? sources.trade : best, lots[0]);
+  }
+}
+
+void GiveAll(const DrawnOrderDay& day, const DrawnOrderDay::Order& order, const std::vector<Seen>& reports,
+             Tape& tape) {
+  std::map<const DrawnOrderDay::Quote*, std::vector<int64_t>> lotsOf;
+  int64_t filled = 0;
+  for (const Seen& seen : reports) {
+    if (seen.filled > filled) lotsOf[QuoteOf(day, seen)].push_back(seen.filled - filled);
+    filled = seen.filled;
+  }
+  for (const auto& [quote, lots] : lotsOf) {
+    if (quote != nullptr) {
+      GiveWorking(day, order, *quote, lots, tape[quote]);
+    } else if (LimitOf(day, order)) {  // at the market it is filled whole
+      ASSERT_EQ(1U, lots.size());
+      GiveOnArrival(day, order, lots[0], tape);
     }
   }
-  for (const DrawnOrderDay::Quote& quote : day.quotes) {
-    const auto share = [&](const std::optional<int64_t>& lots) {
-      return lots.value_or(0) * day.partialPercent / 100;
-    };
-    EXPECT_LE(lotsOf[&quote], share(quote.quantity) + share(quote.bidQuantity) + share(quote.askQuantity))
-        << "at " << quote.at << " ms";
+}
+
+/// No trade and no best price gives one order more than its share, and all together more than there is.
+void CheckShares(const DrawnOrderDay& day, CDrawnRun& run) {
+  if (day.fill == "immediate") return;
+  Tape tape = SourcesOf(day);
+  for (size_t i = 0; i < day.orders.size(); ++i) {
+    SCOPED_TRACE("order " + std::to_string(i + 1));
+    GiveAll(day, day.orders[i], run.Of(i), tape);
+  }
+  for (const auto& [quote, sources] : tape) {
+    const auto& [trade, bid, ask, buys, sells] = sources;
+    EXPECT_LE(bid.given, bid.lots) << "at " << quote->at << " ms";
+    EXPECT_LE(ask.given, ask.lots) << "at " << quote->at << " ms";
+    const int64_t buysByTrade = std::max<int64_t>(0, buys - (ask.lots - ask.given));
+    const int64_t sellsByTrade = std::max<int64_t>(0, sells - (bid.lots - bid.given));
+    EXPECT_LE(trade.given + buysByTrade + sellsByTrade, trade.lots) << "at " << quote->at << " ms";
   }
 }
 
