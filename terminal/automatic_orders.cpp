@@ -26,7 +26,9 @@ ReportFields FieldsOf(const SentOrder& sent, const OrderReport& report) {
   fields[L"LeavesQty"] = Int32Field(report.leaves);
   fields[L"RecFillQty"] = Int32Field(report.received);
   if (report.price != NoValue) fields[L"Price"] = Int64Field(report.price);
-  if (report.average != NoValue) fields[L"AvgPrice"] = Int64Field(report.average);
+  // The node keeps what a report doesn't name, and a report that was overtaken must not show a later average.
+  fields[L"AvgPrice"] =
+      report.average != NoValue ? Int64Field(report.average) : FieldValue{FieldValue::Kind::kRemove, {}, {}};
   if (!report.text.empty()) fields[L"Text"] = TextField(report.text);
   return fields;
 }

@@ -8,7 +8,9 @@ namespace iorder {
 std::vector<TimePoint> CReportQueue::Add(const OrderReport& report, TimePoint due) {
   Order& order = m_orders[report.order];
   const int32_t number = ++order.reports;
-  due += m_draws.Lateness(report.order, number, m_rules.late);
+  // Only what is drawn lets a report overtake an earlier one.
+  order.lastPunctual = std::max(due, order.lastPunctual);
+  due = order.lastPunctual + m_draws.Lateness(report.order, number, m_rules.late);
   std::vector<TimePoint> times = {Put(order, due, report)};
   if (m_draws.Repeats(report.order, number, m_rules.repeat)) {
     times.push_back(Put(order, due, report));
@@ -44,6 +46,8 @@ std::optional<OrderReport> CReportQueue::TakeDue(TimePoint now) {
   }
   const Entry entry = std::move(m_entries.front());
   m_entries.pop_front();
+  std::set<TimePoint>& moments = m_orders[entry.report.order].moments;
+  moments.erase(moments.begin(), moments.lower_bound(now));
   return Tell(entry);
 }
 

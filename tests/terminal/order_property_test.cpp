@@ -147,6 +147,7 @@ void CheckSums(const DrawnOrderDay::Order& order, const Seen& seen) {
   EXPECT_TRUE(seen.execType != 0 || seen.filled == 0);
   EXPECT_TRUE(seen.execType != 6 || seen.filled > 0);
   EXPECT_TRUE(seen.execType != 10 || seen.filled == 0);
+  EXPECT_EQ(seen.filled > 0, seen.average != 0);
 }
 
 /// What holds of the reports of an order that come in their order.
@@ -402,13 +403,27 @@ TEST(OrderProperties, ReportsThatOvertakeOneAnotherAreStillTheSameReports) {
     CDrawnRun expected(punctual);
     for (size_t i = 0; i < day.orders.size(); ++i) {
       SCOPED_TRACE(Place(seed, i));
+      for (const Seen& seen : run.Of(i)) CheckSums(day.orders[i], seen);
       const auto states = [](const std::vector<Seen>& reports) {
-        std::vector<std::pair<int32_t, int64_t>> all;
-        for (const Seen& seen : reports) all.emplace_back(seen.execType, seen.filled);
+        std::vector<std::tuple<int32_t, int64_t, int64_t>> all;
+        for (const Seen& seen : reports) all.emplace_back(seen.execType, seen.filled, seen.average);
         std::sort(all.begin(), all.end());
         return all;
       };
       EXPECT_EQ(states(expected.Of(i)), states(run.Of(i)));
+    }
+  }
+}
+
+TEST(OrderProperties, WithoutLatenessNoReportOvertakesAnother) {
+  for (uint64_t seed = 1; seed <= 10; ++seed) {
+    const DrawnOrderDay punctual = DrawOrderDay(seed, "");
+    const DrawnOrderDay day = DrawOrderDay(seed, R"(, "out_of_order": true)");
+    EXPECT_EQ(CDrawnRun(punctual).Trace(), CDrawnRun(day).Trace());
+    CDrawnRun run(day);
+    for (size_t i = 0; i < day.orders.size(); ++i) {
+      SCOPED_TRACE(Place(seed, i));
+      CheckCourse(run.Of(i));
     }
   }
 }

@@ -64,9 +64,17 @@ TEST(ReportQueue, LateReportsKeepTheirOrderUnlessTheyMayOvertake) {
   EXPECT_TRUE(isOneOvertaken);
 }
 
-TEST(ReportQueue, NoTwoReportsOfAnOrderComeAtTheSameMoment) {
+TEST(ReportQueue, PunctualReportsKeepTheirOrderEvenIfLateOnesMayOvertake) {
   OrderRules rules;
   rules.outOfOrder = true;
+  CReportQueue queue(rules, CAnswerDraws(0));
+  queue.Add(Report(1, 1), At(20));
+  EXPECT_THAT(queue.Add(Report(1, 2), At(10)), ElementsAre(At(21)));
+  EXPECT_THAT(TakeAll(queue, 30), ElementsAre("20 1:1/1", "21 1:2/2"));
+}
+
+TEST(ReportQueue, NoTwoReportsOfAnOrderComeAtTheSameMoment) {
+  OrderRules rules;
   rules.recFillLag = Milliseconds(4);
   CReportQueue queue(rules, CAnswerDraws(0));
   queue.Add(Report(1, 1), At(5));
