@@ -1,6 +1,7 @@
 #include "terminal/day_head.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -101,7 +102,7 @@ DayHead ReadDayHead(const JsonNode& line, const FilePlace& place) {
   head.start = *startTime;
   head.end = ReadEnd(reader, head.start);
   head.timezone = reader.Text("timezone").value_or(head.timezone);
-  head.seed = static_cast<uint64_t>(reader.Integer("seed").value_or(0));
+  head.seed = static_cast<uint64_t>(reader.Integer("seed", 0, INT64_MAX).value_or(0));
   head.autoPhases = ReadChoice(reader, "phases", {"auto", "manual"}, 0) == 0;
   head.needsSubscription = ReadChoice(reader, "subscriptions", {"required", "open"}, 0) == 0;
   head.subscriptionDelay = Milliseconds(reader.Integer("subscription_ms", 0, kOneDay.count()).value_or(0));
@@ -110,6 +111,9 @@ DayHead ReadDayHead(const JsonNode& line, const FilePlace& place) {
   const bool marketFigures = ReadChoice(reader, "figures", {"given", "market"}, 0) == 1;
   const Milliseconds figuresPeriod(reader.Integer("figures_ms", 1, kOneDay.count()).value_or(200));
   const std::optional<std::string> folder = reader.Text("folder");
+  if (folder && folder->empty()) {
+    reader.Fail("folder", "is empty; '.' is the folder of the day file");
+  }
   reader.Finish();
   if (marketFigures) {
     head.figuresPeriod = figuresPeriod;

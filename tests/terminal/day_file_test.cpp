@@ -101,6 +101,10 @@ TEST_F(DayFile, MistakesInTheHeadNameTheKey) {
   EXPECT_EQ("a.day.jsonl:1: 'phases' in day: expected 'auto' or 'manual', found 'automatic'",
             HeadMistake(R"("phases": "automatic")"));
   EXPECT_EQ("a.day.jsonl:1: 'seed' in day: expected an integer, found 1.5", HeadMistake(R"("seed": 1.5)"));
+  EXPECT_EQ("a.day.jsonl:1: 'seed' in day: -1 is out of range; it must lie from 0 to 9223372036854775807",
+            HeadMistake(R"("seed": -1)"));
+  EXPECT_EQ("a.day.jsonl:1: 'folder' in day: is empty; '.' is the folder of the day file",
+            HeadMistake(R"("folder": "")"));
   EXPECT_EQ("a.day.jsonl:1: 'end' in day: lies before the start",
             HeadMistake(R"("end": "2024-03-04T08:00:00")"));
   EXPECT_THAT(HeadMistake(R"("figures": "market", "figures_ms": 0)"), HasSubstr("'figures_ms' in day"));
