@@ -39,8 +39,12 @@ struct CMarketFigures::Chain {
   std::wstring product;  ///< "ND.O.TWF.TX"
   std::wstring month;
   ChainPrices prices;
-  int64_t endDate = 0;  ///< yyyymmdd; 0: not known yet
+  int64_t quotedEnd = 0;  ///< yyyymmdd, of a quote; 0: not told
+  int64_t symbolEnd = 0;  ///< of the symbols
   Figure* figure = nullptr;
+
+  /// 0: not known yet.
+  int64_t EndDate() const { return quotedEnd != 0 ? quotedEnd : symbolEnd; }
 };
 
 /// What a future's record holds.
@@ -133,7 +137,7 @@ void CMarketFigures::AddSymbols(const SymbolsAction& symbols) {
     Series* const series = FindLocked(ToWide(row[kSymbolColumn].value_or("")));
     const int64_t date = LeadingInt64(ToWide(row[kExpiryColumn].value_or("")));
     if (series != nullptr && series->chain != nullptr && date > 0) {
-      series->chain->endDate = date;
+      series->chain->symbolEnd = date;
     }
   }
 }
@@ -186,8 +190,8 @@ void CMarketFigures::OnQuote(Series& series, const QuoteUpdate& update) {
     bool changes = false;
     for (size_t i = 0; i < update.count; ++i) {
       const QuoteUpdate::Number& number = update.numbers[i];
-      if (number.id == quote_field::kEndDate && series.chain != nullptr && !number.remove) {
-        series.chain->endDate = number.value;
+      if (number.id == quote_field::kEndDate && series.chain != nullptr) {
+        series.chain->quotedEnd = number.remove ? 0 : number.value;
       } else if (number.id == quote_field::kPrice) {
         const ScaledValue last = number.remove ? NoValue : number.value;
         changes |= std::exchange(*series.last, last) != last;
@@ -233,9 +237,9 @@ void CMarketFigures::Update(Figure& figure) {
 ScaledValue CMarketFigures::WorkOutLocked(const Figure& figure) {
   std::vector<const Chain*> chains(figure.chains.begin(), figure.chains.end());
   std::stable_sort(chains.begin(), chains.end(),
-                   [](const Chain* left, const Chain* right) { return left->endDate < right->endDate; });
+                   [](const Chain* left, const Chain* right) { return left->EndDate() < right->EndDate(); });
   for (const Chain* const chain : chains) {
-    const ScaledValue volatility = ChainVolatility(chain->prices, figure.last, YearsTo(chain->endDate));
+    const ScaledValue volatility = ChainVolatility(chain->prices, figure.last, YearsTo(chain->EndDate()));
     if (volatility != NoValue) return volatility;
   }
   return NoValue;

@@ -152,6 +152,20 @@ TEST(MarketFigures, ASubscribedRecordShowsWhatTheMarketImplies) {
   EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 200 1"));
 }
 
+TEST(MarketFigures, TheEndDateOfAQuoteCountsBeforeThatOfTheSymbolsWhicheverComesFirst) {
+  const std::string symbols =
+      R"({"symbols": [{"Symbol": "ND.O.TWF.TX.202403.C.18000", "Type": "O", "ExpDate": "20240417"}]}
+)";
+  const std::string quote = R"({"quote": "ND.O.TWF.TX.202403.C.18000", "end_date": 20240320}
+)";
+  const std::string market = Quote("08:50:00", "ND.F.TWF.TX.202403", 18000) +
+                             Option("08:50:00", true, 18000, 20) + "{\"command\": \"subscribe\"}\n";
+  for (const std::string& setup : {symbols + quote, quote + symbols}) {
+    CFiguresDay day(setup + market);
+    EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 200 1"));
+  }
+}
+
 TEST(MarketFigures, ARecordIsUpdatedWhenItChangesAndAtMostOnceInItsPeriod) {
   CFiguresDay day(kSymbols + Quote("08:50:00", "ND.F.TWF.TX.202403", 18000) +
                       Option("08:50:00", true, 18000, 20) + "{\"command\": \"subscribe\"}\n" +
