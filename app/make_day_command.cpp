@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <chrono>
 #include <iostream>
 #include <memory>
 #include <tuple>
@@ -19,12 +20,16 @@ struct Arguments {
   std::string day;
 };
 
+/// The day and what its options expire at need years of four digits.
+constexpr LocalTime kNoLongerMade = std::chrono::local_days(std::chrono::year(9999) / 1 / 1);
+
 LocalTime ReadStart(const std::string& text) {
   std::optional<LocalTime> start = ParseLocalTime(text);
   // Seconds may be left out.
   if (!start) start = ParseLocalTime(text + ":00");
-  if (!start) {
-    throw InputError(fmt::format("--start: '{}', expected a date and time as 2024-03-04T08:45", text));
+  if (!start || *start >= kNoLongerMade) {
+    throw InputError(fmt::format(
+        "--start: '{}', expected a date and time as 2024-03-04T08:45, before the year 9999", text));
   }
   return *start;
 }

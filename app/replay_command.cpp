@@ -275,8 +275,10 @@ void AddReplayCommand(CLI::App& program, Job& job) {
   command->add_flag("--json", arguments->json, "Print one JSON object a line, and a closing one");
   AddRunOptions(*command, arguments->run);
   command
-      ->add_option("--seed", arguments->run.seed,
-                   "Order of the threads in virtual time, in place of the day's seed")
+      ->add_option(
+          "--seed", arguments->run.seed,
+          "Order of the threads in virtual time, in place of the day's seed; answers of the terminal are "
+          "still drawn from that")
       ->type_name("N")
       ->check(WholeNumber(0, INT64_MAX));
   command->footer(Examples(

@@ -131,7 +131,9 @@ void AddVerifyCommand(CLI::App& program, Job& job) {
       ->required();
   command
       ->add_option("--seeds", arguments->seeds,
-                   "Run each day with each of these seeds, in place of its own: FIRST:LAST, both included")
+                   "Run each day with the threads in the order of each of these seeds, in place of its own: "
+                   "FIRST:LAST, "
+                   "both included; answers of the terminal are still drawn from its own")
       ->type_name("FIRST:LAST");
   AddRunOptions(*command, arguments->run);
   command->add_option("--jobs", arguments->jobs, "Runs at the same time")

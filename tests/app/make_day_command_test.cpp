@@ -171,6 +171,9 @@ TEST(MakeDay, WrongOptionsEndWithOneLineAndNoFile) {
       {"--seed 1.5", "--seed: '1.5', expected a whole number"},
       {"--start yesterday", "--start: 'yesterday', expected a date and time as 2024-03-04T08:45"},
       {"--start 2024-02-30T08:45", "--start: '2024-02-30T08:45', expected a date and time"},
+      {"--start 9999-12-31T15:00",
+       "--start: '9999-12-31T15:00', expected a date and time as 2024-03-04T08:45, "
+       "before the year 9999"},
       {"--start 2024-03-04T06:00",
        "isn't within the market's trading hours, expected 08:45 to 13:45 or 15:00 to 05:00"},
       {"--minutes 301", "isn't within the market's trading hours"},
