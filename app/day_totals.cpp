@@ -2,10 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <string_view>
 
 #include "app/happening_text.h"
+#include "app/table_text.h"
 #include "records/json_document.h"
 
 namespace iorder {
@@ -55,26 +55,22 @@ void CDayTotals::Add(const Happening& happening) {
   }
 }
 
-std::string CDayTotals::Table() const {
-  std::string table = m_positions.Table();
-  if (!m_strategies.empty()) {
-    size_t keyWidth = 8, stateWidth = 5;
-    for (const auto& [key, strategy] : m_strategies) {
-      keyWidth = std::max(keyWidth, key.size());
-      stateWidth = std::max(stateWidth, StateOf(strategy).size());
-    }
-    const auto line = [&](std::string_view key, std::string_view state, const auto& accepted,
-                          const auto& orders, const auto& lots, const auto& cash, std::string_view ended) {
-      table += fmt::format("{:<{}}  {:<{}}  {:>8}  {:>6}  {:>6}  {:>12}  {}\n", key, keyWidth, state,
-                           stateWidth, accepted, orders, lots, cash, ended);
-    };
-    line("strategy", "state", "accepted", "orders", "lots", "cash", "ended by");
-    for (const auto& [key, strategy] : m_strategies) {
-      line(key.empty() ? "-" : key, StateOf(strategy), strategy.accepted, strategy.orders, strategy.lots,
-           strategy.cash, strategy.ended.empty() ? "-" : strategy.ended);
-    }
+std::string CDayTotals::StrategyTable() const {
+  if (m_strategies.empty()) return "";
+  std::vector<std::vector<std::string>> lines;
+  lines.push_back({"strategy", "state", "accepted", "orders", "lots", "cash", "ended by"});
+  for (const auto& [key, strategy] : m_strategies) {
+    lines.push_back({key.empty() ? "-" : key, StateOf(strategy), std::to_string(strategy.accepted),
+                     std::to_string(strategy.orders), std::to_string(strategy.lots),
+                     std::to_string(strategy.cash), strategy.ended.empty() ? "-" : strategy.ended});
   }
-  return table + fmt::format("{} orders, {} cancels, {} faults\n", m_orders, m_cancels, m_faults);
+  const TableColumn text{.isText = true};
+  return TableText({text, text, {}, {}, {.leastWidth = 6}, {.leastWidth = 12}, text}, lines);
+}
+
+std::string CDayTotals::Table() const {
+  return m_positions.Table() + StrategyTable() +
+         fmt::format("{} orders, {} cancels, {} faults\n", m_orders, m_cancels, m_faults);
 }
 
 std::string CDayTotals::Json(const std::vector<std::string>& errors) const {

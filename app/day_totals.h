@@ -36,6 +36,8 @@ class CDayTotals {
   std::string Json(const std::vector<std::string>& errors) const;
 
  private:
+  std::string StrategyTable() const;
+
   std::map<std::string, Strategy> m_strategies;
   CPositionTotals m_positions;
   int64_t m_orders = 0;

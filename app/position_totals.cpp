@@ -1,35 +1,13 @@
 #include "app/position_totals.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <array>
 #include <vector>
 
 #include "app/symbol_words.h"
+#include "app/table_text.h"
 
 namespace iorder {
 namespace {
-
-/// Lines of cells, each column as wide as its widest cell; the first columns to the left, the numbers to the
-/// right.
-template <size_t kColumns>
-std::string Align(const std::vector<std::array<std::string, kColumns>>& lines, size_t textColumns) {
-  std::array<size_t, kColumns> widths{};
-  for (const auto& line : lines) {
-    for (size_t i = 0; i < kColumns; ++i) widths[i] = std::max(widths[i], line[i].size());
-  }
-  std::string table;
-  for (const auto& line : lines) {
-    for (size_t i = 0; i < kColumns; ++i) {
-      if (i > 0) table += "  ";
-      table += i < textColumns ? fmt::format("{:<{}}", line[i], widths[i])
-                               : fmt::format("{:>{}}", line[i], widths[i]);
-    }
-    table += '\n';
-  }
-  return table;
-}
 
 std::string PriceOr(const std::optional<double>& price) {
   return price ? PriceText(*price) : "-";
@@ -78,7 +56,7 @@ void CPositionTotals::Add(const Happening& happening) {
 }
 
 std::string CPositionTotals::PositionTable() const {
-  std::vector<std::array<std::string, 13>> lines;
+  std::vector<std::vector<std::string>> lines;
   lines.push_back({"strategy", "life", "run", "symbol", "bought", "average", "sold", "average", "held",
                    "last", "realised", "open", "cost"});
   for (const auto& [key, row] : m_rows) {
@@ -89,15 +67,18 @@ std::string CPositionTotals::PositionTable() const {
                      std::to_string(position.held), PriceOr(row.last), MoneyText(row.Realised()),
                      MoneyText(row.Open()), MoneyText(row.Cost())});
   }
-  return Align(lines, 4);
+  constexpr size_t kTextColumns = 4;
+  std::vector<TableColumn> columns(lines[0].size());
+  for (size_t i = 0; i < kTextColumns; ++i) columns[i].isText = true;
+  return TableText(columns, lines);
 }
 
 std::string CPositionTotals::TagTable() const {
-  std::vector<std::array<std::string, 3>> lines;
+  std::vector<std::vector<std::string>> lines;
   lines.push_back({"tag", "cost", "profit"});
   for (const auto& [tag, total] : m_tags)
     lines.push_back({tag.empty() ? "-" : tag, std::to_string(total.cost), MoneyText(total.profit)});
-  return Align(lines, 1);
+  return TableText({{.isText = true}, {}, {}}, lines);
 }
 
 std::string CPositionTotals::Table() const {

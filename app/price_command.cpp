@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 #include <rapidjson/stringbuffer.h>
 
+#include <cmath>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -9,6 +10,7 @@
 
 #include "analytics/opt_greeks.h"
 #include "app/command_line.h"
+#include "app/table_text.h"
 #include "records/json_document.h"
 #include "records/scaled_value.h"
 #include "terminal/input_error.h"
@@ -97,15 +99,22 @@ Priced PriceAll(const Arguments& arguments) {
   return priced;
 }
 
+/// To six places; "-" for a price that isn't finite.
+std::string PriceCell(double price) {
+  return std::isfinite(price) ? fmt::format("{:.6f}", price) : "-";
+}
+
 void PrintTable(const Priced& priced) {
-  std::string text = fmt::format("{:>14}", "strike");
-  for (const auto& [right, prices] : priced.rights)
-    text += fmt::format("{:>16}", right == "C" ? "call" : "put");
-  for (size_t i = 0; i < priced.strikes.size(); ++i) {
-    text += fmt::format("\n{:>14}", priced.strikes[i]);
-    for (const auto& [right, prices] : priced.rights) text += fmt::format("{:>16.6f}", prices[i]);
+  constexpr size_t kLeastWidth = 14;
+  std::vector<std::vector<std::string>> lines(priced.strikes.size() + 1);
+  lines[0] = {"strike"};
+  for (size_t i = 0; i < priced.strikes.size(); ++i) lines[i + 1] = {fmt::format("{}", priced.strikes[i])};
+  for (const auto& [right, prices] : priced.rights) {
+    lines[0].push_back(right == "C" ? "call" : "put");
+    for (size_t i = 0; i < prices.size(); ++i) lines[i + 1].push_back(PriceCell(prices[i]));
   }
-  std::cout << text << '\n';
+  const TableColumn column{.isText = false, .leastWidth = kLeastWidth};
+  std::cout << TableText(std::vector<TableColumn>(lines[0].size(), column), lines);
 }
 
 std::string JsonOf(const Arguments& arguments, const std::string& right, double strike, double years,
@@ -169,12 +178,14 @@ void AddPriceCommand(CLI::App& program, Job& job) {
       ->check(Number(0, 1e9))
       ->required();
   command->add_option("--years", arguments->years, "Time to expiry in years")->check(Number(0, 100));
-  command->add_option("--days", arguments->days, "Time to expiry in days, in place of --years")
-      ->check(Number(0, 36500));
+  CLI::Option* const days =
+      command->add_option("--days", arguments->days, "Time to expiry in days, in place of --years")
+          ->check(Number(0, 36500));
   command
       ->add_option("--of", arguments->daysOfYear,
                    "Days of a year, for --days: 250 trading days, 365 calendar days")
       ->check(Number(0, 1000))
+      ->needs(days)
       ->capture_default_str();
   command->add_option("--rate", arguments->rate, "Interest rate, percent a year")
       ->check(Number(-kMostPercent, kMostPercent))

@@ -131,9 +131,20 @@ TEST(PriceCommand, TheTableHasALineForEachStrike) {
       Output("--vol 20 --strike 20:180:80 --underlying 100 --years 0.25"));
 }
 
+TEST(PriceCommand, WideNumbersDontRunTogether) {
+  EXPECT_EQ(
+      "        strike              call              put\n"
+      "     900000000  142858342.208201  37731232.570599\n",
+      Output("--vol 20 --strike 900000000 --underlying 1000000000 --years 1 --rate -5"));
+  EXPECT_THAT(Output("--right C --vol 20 --strike 100000000.0123456789 --underlying 100000000 --years 1"),
+              StartsWith("            strike            call\n100000000.01234567  "));
+}
+
 TEST(PriceCommand, APriceThatIsNotFiniteIsNull) {
   const rapidjson::Document list = Json("--vol 20 --strike 100 --underlying 100 --years 100 --rate -999");
   EXPECT_TRUE(list[0]["price"].IsNull());
+  EXPECT_THAT(Output("--right C --vol 20 --strike 100 --underlying 100 --years 100 --rate -999"),
+              EndsWith("           100               -\n"));
 }
 
 TEST(PriceCommand, WhatItCantTakeIsTold) {
@@ -152,6 +163,7 @@ TEST(PriceCommand, WhatItCantTakeIsTold) {
               EndsWith("expected either --years, or --days (with --of)\n"));
   EXPECT_THAT(Refusal("--vol 20 --strike 100 --days 5" + rest),
               EndsWith("expected either --years, or --days (with --of)\n"));
+  EXPECT_THAT(Refusal("--vol 20 --strike 100 --of 365" + rest), HasSubstr("--of requires --days"));
   EXPECT_THAT(Refusal("--strike 100" + rest), HasSubstr("--vol is required"));
   EXPECT_THAT(Refusal("--vol 20 --strike 100" + rest + " --spot 5"), HasSubstr("'--spot' isn't known"));
 }
