@@ -17,20 +17,20 @@ namespace {
 
 constexpr uint64_t kSeeds = 3;
 
-/// The violations of one run, as lines.
+/// The violations of one run and what went wrong with it, as lines. A day that stops early is no kept one.
 std::string Check(const std::string& path, uint64_t seed) {
   const Day day = ReadDayFile(path);
   CCheckers checkers(day, RulesLeftOut(path));
   CDayRun run(day, {.seed = seed}, {&checkers});
-  try {
-    run.Run();
-  } catch (const InputError&) {
-    // A day that is wrong in itself is a matter of its expectations.
-  }
+  const std::string name = path + " --seed " + std::to_string(seed) + " ";
   std::string report;
+  try {
+    for (const std::string& problem : run.Run()) report += name + problem + "\n";
+  } catch (const InputError& error) {
+    report += name + error.what() + "\n";
+  }
   for (const Violation& violation : checkers.Finish())
-    report += path + " --seed " + std::to_string(seed) + " " + ToText(violation.at) + " " + violation.rule +
-              ": " + violation.what + "\n";
+    report += name + ToText(violation.at) + " " + violation.rule + ": " + violation.what + "\n";
   return report;
 }
 
