@@ -28,10 +28,6 @@ std::string Cell(const std::string& text) {
   return quoted + '"';
 }
 
-std::string PriceOrNone(const std::optional<double>& price) {
-  return price ? PriceText(*price) : "";
-}
-
 }  // namespace
 
 std::array<fs::path, 4> TableFiles(const fs::path& folder) {
@@ -70,8 +66,8 @@ void CDayTables::Write(const std::string& at, const Happening& happening) {
   } else if (const auto* position = std::get_if<PositionChanged>(&happening)) {
     m_positions.Write(fmt::format("{},{},{},{},{},{},{},{},{},{}\n", at, Cell(position->strategy),
                                   position->life, position->run, Cell(position->symbol), position->bought,
-                                  PriceOrNone(position->boughtAt), position->sold,
-                                  PriceOrNone(position->soldAt), position->held));
+                                  PriceText(position->boughtAt, ""), position->sold,
+                                  PriceText(position->soldAt, ""), position->held));
   } else if (const auto* total = std::get_if<TagTotalChanged>(&happening)) {
     m_profit.Write(fmt::format("{},{},{},{}\n", at, Cell(total->tag), total->cost, MoneyText(total->profit)));
   }

@@ -2,27 +2,15 @@
 
 #include <fmt/format.h>
 
-#include <string_view>
-
 #include "app/happening_text.h"
+#include "app/object_writer.h"
 #include "app/table_text.h"
-#include "records/json_document.h"
 
 namespace iorder {
 namespace {
 
 std::string StateOf(const CDayTotals::Strategy& strategy) {
   return strategy.isGone ? "gone" : StateWords(strategy.state);
-}
-
-void WriteText(CJsonWriter& writer, std::string_view name, std::string_view text) {
-  writer.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
-  writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-}
-
-void WriteNumber(CJsonWriter& writer, const char* name, int64_t number) {
-  writer.Key(name);
-  writer.Int64(number);
 }
 
 }  // namespace
@@ -74,36 +62,30 @@ std::string CDayTotals::Table() const {
 }
 
 std::string CDayTotals::Json(const std::vector<std::string>& errors) const {
-  rapidjson::StringBuffer buffer;
-  CJsonWriter writer(buffer);
-  writer.StartObject();
-  WriteText(writer, "kind", "end");
-  writer.Key("strategies");
-  writer.StartArray();
+  CObjectWriter writer;
+  writer.Text("kind", "end");
+  writer.BeginList("strategies");
   for (const auto& [key, strategy] : m_strategies) {
-    writer.StartObject();
-    WriteText(writer, "strategy", key);
-    WriteNumber(writer, "state", strategy.state);
-    WriteText(writer, "words", StateOf(strategy));
-    WriteNumber(writer, "accepted", strategy.accepted);
-    WriteNumber(writer, "orders", strategy.orders);
-    WriteNumber(writer, "lots", strategy.lots);
-    WriteNumber(writer, "cash", strategy.cash);
-    WriteText(writer, "ended", strategy.ended);
-    writer.EndObject();
+    writer.Begin();
+    writer.Text("strategy", key);
+    writer.Number("state", strategy.state);
+    writer.Text("words", StateOf(strategy));
+    writer.Number("accepted", strategy.accepted);
+    writer.Number("orders", strategy.orders);
+    writer.Number("lots", strategy.lots);
+    writer.Number("cash", strategy.cash);
+    writer.Text("ended", strategy.ended);
+    writer.End();
   }
-  writer.EndArray();
+  writer.EndList();
   m_positions.WriteJson(writer);
-  WriteNumber(writer, "orders", m_orders);
-  WriteNumber(writer, "cancels", m_cancels);
-  WriteNumber(writer, "faults", m_faults);
-  writer.Key("errors");
-  writer.StartArray();
-  for (const std::string& error : errors)
-    writer.String(error.data(), static_cast<rapidjson::SizeType>(error.size()));
-  writer.EndArray();
-  writer.EndObject();
-  return {buffer.GetString(), buffer.GetSize()};
+  writer.Number("orders", m_orders);
+  writer.Number("cancels", m_cancels);
+  writer.Number("faults", m_faults);
+  writer.BeginList("errors");
+  for (const std::string& error : errors) writer.Item(error);
+  writer.EndList();
+  return writer.Close();
 }
 
 }  // namespace iorder

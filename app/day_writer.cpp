@@ -1,62 +1,18 @@
 #include "app/day_writer.h"
 
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
 #include <map>
 
+#include "app/object_writer.h"
 #include "app/time_text.h"
 
 namespace iorder {
 namespace {
 
-/// Writes one JSON object; names and texts in UTF-8.
-class CObjectWriter {
- public:
-  CObjectWriter() : m_writer(m_buffer) {}
-
-  void Begin() { m_writer.StartObject(); }
-  void Begin(std::string_view name) {
-    Name(name);
-    m_writer.StartObject();
-  }
-  void End() { m_writer.EndObject(); }
-  void BeginList(std::string_view name) {
-    Name(name);
-    m_writer.StartArray();
-  }
-  void EndList() { m_writer.EndArray(); }
-  void Text(std::string_view name, std::string_view value) {
-    Name(name);
-    m_writer.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
-  }
-  void Number(std::string_view name, int64_t value) {
-    Name(name);
-    m_writer.Int64(value);
-  }
-  void Flag(std::string_view name, bool value) {
-    Name(name);
-    m_writer.Bool(value);
-  }
-  void Texts(std::string_view name, const CDayWriter::Fields& fields) {
-    Begin(name);
-    for (const auto& [field, value] : fields) Text(field, value);
-    End();
-  }
-
-  std::string_view Line() {
-    m_buffer.Put('\n');
-    return {m_buffer.GetString(), m_buffer.GetSize()};
-  }
-
- private:
-  void Name(std::string_view name) {
-    m_writer.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
-  }
-
-  rapidjson::StringBuffer m_buffer;
-  rapidjson::Writer<rapidjson::StringBuffer> m_writer;
-};
+void WriteTexts(CObjectWriter& line, std::string_view name, const CDayWriter::Fields& fields) {
+  line.Begin(name);
+  for (const auto& [field, value] : fields) line.Text(field, value);
+  line.End();
+}
 
 /// The exchange's part of a product name: "ND.O.TWF" of "ND.O.TWF.TX".
 std::string ExchangeOf(const std::string& product) {
@@ -68,10 +24,8 @@ std::string ExchangeOf(const std::string& product) {
 template <typename Fill>
 void CDayWriter::Line(Fill&& fill) {
   CObjectWriter line;
-  line.Begin();
   fill(line);
-  line.End();
-  m_file.Write(line.Line());
+  m_file.Write(line.Close() + '\n');
 }
 
 CDayWriter::CDayWriter(const std::filesystem::path& path, LocalTime start, LocalTime end,
@@ -120,7 +74,7 @@ void CDayWriter::Symbol(const ListedSymbol& row) {
 void CDayWriter::Record(std::string_view name, const Fields& fields) {
   Line([&](CObjectWriter& line) {
     line.Text("record", name);
-    line.Texts("fields", fields);
+    WriteTexts(line, "fields", fields);
   });
 }
 
@@ -133,7 +87,7 @@ void CDayWriter::SecurityInfo(const Fields& attributesOfProducts) {
     for (const auto& [exchange, fields] : exchanges) {
       line.Begin();
       line.Text("name", exchange);
-      line.Texts("fields", fields);
+      WriteTexts(line, "fields", fields);
       line.End();
     }
     line.EndList();

@@ -2,10 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <optional>
-
 #include "app/symbol_words.h"
-#include "records/json_document.h"
 
 namespace iorder {
 namespace {
@@ -16,11 +13,6 @@ struct Match : Cases... {
 };
 template <typename... Cases>
 Match(Cases...) -> Match<Cases...>;
-
-std::string SideWords(const OrderSent& order) {
-  if (order.side == "B") return "buy";
-  return order.side == "S" ? "sell" : order.side;
-}
 
 std::string PriceWords(const OrderSent& order) {
   if (order.price) return "at " + DecimalText(*order.price);
@@ -75,195 +67,12 @@ std::string LimitWords(const LimitReached& limit) {
                      limit.limit, limit.reached, limit.isPercent ? " percent of the cost" : "");
 }
 
-/// The members of one JSON object, written in their order.
-class CMembers {
- public:
-  explicit CMembers(std::string_view at) : m_writer(m_buffer) {
-    m_writer.StartObject();
-    Text("at", at);
-  }
-  void Text(std::string_view name, std::string_view text) {
-    Name(name);
-    m_writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-  }
-  void Number(std::string_view name, int64_t number) {
-    Name(name);
-    m_writer.Int64(number);
-  }
-  void Double(std::string_view name, std::optional<double> number) {
-    Name(name);
-    if (number) {
-      m_writer.Double(*number);
-    } else {
-      m_writer.Null();
-    }
-  }
-  void Flag(std::string_view name, bool flag) {
-    Name(name);
-    m_writer.Bool(flag);
-  }
-  /// A number by the digits that it is spelled with.
-  void Digits(std::string_view name, std::string_view digits) {
-    Name(name);
-    m_writer.RawValue(digits.data(), digits.size(), rapidjson::kNumberType);
-  }
-  void Null(std::string_view name) {
-    Name(name);
-    m_writer.Null();
-  }
-  std::string Close() {
-    m_writer.EndObject();
-    return {m_buffer.GetString(), m_buffer.GetSize()};
-  }
-
- private:
-  void Name(std::string_view name) {
-    m_writer.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
-  }
-
-  rapidjson::StringBuffer m_buffer;
-  CJsonWriter m_writer;
-};
-
-void Write(CMembers& members, const OrderSent& order) {
-  members.Text("kind", "order");
-  members.Text("strategy", order.strategy);
-  members.Text("account", order.account);
-  members.Text("symbol", order.symbol);
-  members.Text("side", SideWords(order));
-  members.Number("lots", order.lots);
-  if (order.price) {
-    members.Digits("price", DecimalText(*order.price));
-  } else if (!order.priceWords.empty()) {
-    members.Text("price", order.priceWords);
-  } else {
-    members.Null("price");
-  }
-  members.Flag("closes", order.closes);
-  members.Text("text", order.text);
-}
-
-void Write(CMembers& members, const CancelSent& cancel) {
-  members.Text("kind", "cancel");
-  members.Text("report", cancel.report);
-  members.Text("text", cancel.text);
-}
-
-void Write(CMembers& members, const OptionJudged& judged) {
-  members.Text("kind", "judged");
-  members.Text("strategy", judged.strategy);
-  members.Text("symbol", judged.symbol);
-  members.Digits("open", judged.openPrice);
-  members.Flag("accepted", judged.accepted);
-}
-
-void Write(CMembers& members, const OrderAnswered& answer) {
-  members.Text("kind", "answer");
-  members.Text("strategy", answer.strategy);
-  members.Text("symbol", answer.symbol);
-  members.Number("action", answer.action);
-  members.Number("result", answer.result);
-}
-
-void Write(CMembers& members, const StateChanged& change) {
-  members.Text("kind", "state");
-  members.Text("strategy", change.strategy);
-  members.Number("state", change.state);
-  members.Text("words", StateWords(change.state));
-}
-
-void Write(CMembers& members, const StrategyStarted& started) {
-  members.Text("kind", "started");
-  members.Text("strategy", started.strategy);
-}
-
-void Write(CMembers& members, const StrategyGone& gone) {
-  members.Text("kind", "gone");
-  members.Text("strategy", gone.strategy);
-}
-
-void Write(CMembers& members, const BatchPlaced& batch) {
-  members.Text("kind", "batch");
-  members.Text("strategy", batch.strategy);
-  members.Number("cash", batch.cash);
-}
-
-void Write(CMembers& members, const OrderFilled& fill) {
-  members.Text("kind", "fill");
-  members.Text("strategy", fill.strategy);
-  members.Text("symbol", fill.symbol);
-  members.Text("report", fill.report);
-  members.Flag("closes", fill.closes);
-  members.Number("lots", fill.lots);
-  members.Digits("price", DecimalText(fill.price));
-  members.Number("filled", fill.filled);
-  members.Number("sent", fill.sent);
-}
-
-void Write(CMembers& members, const PositionChanged& position) {
-  members.Text("kind", "position");
-  members.Text("strategy", position.strategy);
-  members.Number("life", position.life);
-  members.Text("run", position.run);
-  members.Text("symbol", position.symbol);
-  members.Number("bought", position.bought);
-  members.Double("bought_at", position.boughtAt);
-  members.Number("sold", position.sold);
-  members.Double("sold_at", position.soldAt);
-  members.Number("held", position.held);
-}
-
-void Write(CMembers& members, const PositionValued& valued) {
-  members.Text("kind", "profit");
-  members.Text("strategy", valued.strategy);
-  members.Number("life", valued.life);
-  members.Text("run", valued.run);
-  members.Text("symbol", valued.symbol);
-  members.Double("last", valued.last);
-  members.Double("profit", valued.profit);
-}
-
-void Write(CMembers& members, const TagTotalChanged& total) {
-  members.Text("kind", "total");
-  members.Text("tag", total.tag);
-  members.Number("cost", total.cost);
-  members.Double("profit", total.profit);
-}
-
-void Write(CMembers& members, const LimitReached& limit) {
-  members.Text("kind", "limit");
-  members.Text("tag", limit.tag);
-  members.Text("side", limit.side);
-  members.Flag("percent", limit.isPercent);
-  members.Digits("reached", limit.reached);
-  members.Digits("limit", limit.limit);
-}
-
-void Write(CMembers& members, const RunEnded& ended) {
-  members.Text("kind", "ended");
-  members.Text("strategy", ended.strategy);
-  members.Text("by", ended.reason);
-}
-
-void Write(CMembers& members, const WeightKnown& known) {
-  members.Text("kind", "weight");
-  members.Text("symbol", known.symbol);
-  members.Number("weight", known.weight);
-}
-
-void Write(CMembers& members, const CommandRefused& refused) {
-  members.Text("kind", "refused");
-  members.Text("reason", refused.reason);
-}
-
-void Write(CMembers& members, const FaultReported& fault) {
-  members.Text("kind", "fault");
-  members.Text("thread", fault.thread);
-  members.Text("code", fault.code);
-  members.Text("text", fault.text);
-}
-
 }  // namespace
+
+std::string SideWords(const OrderSent& order) {
+  if (order.side == "B") return "buy";
+  return order.side == "S" ? "sell" : order.side;
+}
 
 std::string StateWords(int64_t state) {
   switch (state) {
@@ -338,12 +147,6 @@ std::string Words(const Happening& happening) {
           },
       },
       happening);
-}
-
-std::string Json(std::string_view at, const Happening& happening) {
-  CMembers members(at);
-  std::visit([&members](const auto& what) { Write(members, what); }, happening);
-  return members.Close();
 }
 
 }  // namespace iorder

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "app/happening.h"
 
@@ -13,7 +12,7 @@ std::string StateWords(int64_t state);
 /// One readable line without its time and end; empty for what isn't worth a line.
 std::string Words(const Happening& happening);
 
-/// One JSON object: "at" first, then "kind", then what the happening holds.
-std::string Json(std::string_view at, const Happening& happening);
+/// The side of an order: "buy", "sell", or as it was sent.
+std::string SideWords(const OrderSent& order);
 
 }  // namespace iorder

@@ -9,10 +9,6 @@
 namespace iorder {
 namespace {
 
-std::string PriceOr(const std::optional<double>& price) {
-  return price ? PriceText(*price) : "-";
-}
-
 /// Money of one price point of so many lots.
 double Money(int64_t lots, int64_t weight) {
   return static_cast<double>(lots) * static_cast<double>(weight);
@@ -63,9 +59,9 @@ std::string CPositionTotals::PositionTable() const {
     const PositionChanged& position = row.position;
     lines.push_back({position.strategy, std::to_string(position.life), position.run,
                      SymbolWords(position.symbol), std::to_string(position.bought),
-                     PriceOr(position.boughtAt), std::to_string(position.sold), PriceOr(position.soldAt),
-                     std::to_string(position.held), PriceOr(row.last), MoneyText(row.Realised()),
-                     MoneyText(row.Open()), MoneyText(row.Cost())});
+                     PriceText(position.boughtAt, "-"), std::to_string(position.sold),
+                     PriceText(position.soldAt, "-"), std::to_string(position.held), PriceText(row.last, "-"),
+                     MoneyText(row.Realised()), MoneyText(row.Open()), MoneyText(row.Cost())});
   }
   constexpr size_t kTextColumns = 4;
   std::vector<TableColumn> columns(lines[0].size());
@@ -86,53 +82,35 @@ std::string CPositionTotals::Table() const {
   return PositionTable() + '\n' + TagTable() + '\n';
 }
 
-void CPositionTotals::WriteJson(CJsonWriter& writer) const {
-  const auto text = [&writer](const char* name, const std::string& value) {
-    writer.Key(name);
-    writer.String(value);
-  };
-  const auto integer = [&writer](const char* name, int64_t value) {
-    writer.Key(name);
-    writer.Int64(value);
-  };
-  const auto number = [&writer](const char* name, std::optional<double> value) {
-    writer.Key(name);
-    if (value) {
-      writer.Double(*value);
-    } else {
-      writer.Null();
-    }
-  };
-  writer.Key("positions");
-  writer.StartArray();
+void CPositionTotals::WriteJson(CObjectWriter& writer) const {
+  writer.BeginList("positions");
   for (const auto& [key, row] : m_rows) {
-    writer.StartObject();
-    text("strategy", row.position.strategy);
-    integer("life", row.position.life);
-    text("run", row.position.run);
-    text("symbol", row.position.symbol);
-    integer("bought", row.position.bought);
-    number("bought_at", row.position.boughtAt);
-    integer("sold", row.position.sold);
-    number("sold_at", row.position.soldAt);
-    integer("held", row.position.held);
-    number("last", row.last);
-    number("realised", row.Realised());
-    number("open", row.Open());
-    number("cost", row.Cost());
-    writer.EndObject();
+    writer.Begin();
+    writer.Text("strategy", row.position.strategy);
+    writer.Number("life", row.position.life);
+    writer.Text("run", row.position.run);
+    writer.Text("symbol", row.position.symbol);
+    writer.Number("bought", row.position.bought);
+    writer.Double("bought_at", row.position.boughtAt);
+    writer.Number("sold", row.position.sold);
+    writer.Double("sold_at", row.position.soldAt);
+    writer.Number("held", row.position.held);
+    writer.Double("last", row.last);
+    writer.Double("realised", row.Realised());
+    writer.Double("open", row.Open());
+    writer.Double("cost", row.Cost());
+    writer.End();
   }
-  writer.EndArray();
-  writer.Key("tags");
-  writer.StartArray();
+  writer.EndList();
+  writer.BeginList("tags");
   for (const auto& [tag, total] : m_tags) {
-    writer.StartObject();
-    text("tag", tag);
-    integer("cost", total.cost);
-    number("profit", total.profit);
-    writer.EndObject();
+    writer.Begin();
+    writer.Text("tag", tag);
+    writer.Number("cost", total.cost);
+    writer.Double("profit", total.profit);
+    writer.End();
   }
-  writer.EndArray();
+  writer.EndList();
 }
 
 }  // namespace iorder

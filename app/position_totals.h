@@ -6,7 +6,7 @@
 #include <tuple>
 
 #include "app/happening.h"
-#include "records/json_document.h"
+#include "app/object_writer.h"
 
 namespace iorder {
 
@@ -32,7 +32,7 @@ class CPositionTotals {
   /// The closing tables of positions and tags; "" if there was none.
   std::string Table() const;
   /// The members "positions" and "tags" of the closing object.
-  void WriteJson(CJsonWriter& writer) const;
+  void WriteJson(CObjectWriter& writer) const;
 
  private:
   using Key = std::tuple<std::string, int64_t, std::string, std::string>;

@@ -1,5 +1,4 @@
 #include <fmt/format.h>
-#include <rapidjson/stringbuffer.h>
 
 #include <cmath>
 #include <iostream>
@@ -10,8 +9,8 @@
 
 #include "analytics/opt_greeks.h"
 #include "app/command_line.h"
+#include "app/object_writer.h"
 #include "app/table_text.h"
-#include "records/json_document.h"
 #include "records/scaled_value.h"
 #include "terminal/input_error.h"
 
@@ -119,24 +118,16 @@ void PrintTable(const Priced& priced) {
 
 std::string JsonOf(const Arguments& arguments, const std::string& right, double strike, double years,
                    double price) {
-  rapidjson::StringBuffer buffer;
-  CJsonWriter writer(buffer);
-  const auto number = [&writer](const char* key, double value) {
-    writer.Key(key);
-    writer.Double(value);
-  };
-  writer.StartObject();
-  writer.Key("right");
-  writer.String(right);
-  number("vol", arguments.volatility);
-  number("strike", strike);
-  number("underlying", arguments.underlying);
-  number("years", years);
-  number("rate", arguments.rate);
-  number("carry", arguments.carry);
-  number("price", price);
-  writer.EndObject();
-  return buffer.GetString();
+  CObjectWriter writer;
+  writer.Text("right", right);
+  writer.Double("vol", arguments.volatility);
+  writer.Double("strike", strike);
+  writer.Double("underlying", arguments.underlying);
+  writer.Double("years", years);
+  writer.Double("rate", arguments.rate);
+  writer.Double("carry", arguments.carry);
+  writer.Double("price", price);
+  return writer.Close();
 }
 
 void PrintJson(const Arguments& arguments, const Priced& priced) {

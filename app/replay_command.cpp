@@ -10,6 +10,7 @@
 #include "app/day_tables.h"
 #include "app/day_totals.h"
 #include "app/file_roles.h"
+#include "app/happening_json.h"
 #include "app/happening_text.h"
 #include "app/output_place.h"
 #include "app/progress.h"

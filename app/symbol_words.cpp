@@ -68,6 +68,10 @@ std::string PriceText(double price) {
   return text == "-0" ? "0" : text;
 }
 
+std::string PriceText(const std::optional<double>& price, const std::string& none) {
+  return price ? PriceText(*price) : none;
+}
+
 std::string MoneyText(double money) {
   const std::string text = fmt::format("{:.2f}", money);
   return text == "-0.00" ? "0.00" : text;

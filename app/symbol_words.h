@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,8 @@ std::string DecimalText(ScaledValue value);
 
 /// A price or an average, to six places and without trailing zeros.
 std::string PriceText(double price);
+/// The same, or `none` for no price.
+std::string PriceText(const std::optional<double>& price, const std::string& none);
 /// Money, to two places.
 std::string MoneyText(double money);
 

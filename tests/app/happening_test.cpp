@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/day_totals.h"
+#include "app/happening_json.h"
 #include "app/happening_reader.h"
 #include "app/happening_text.h"
 
