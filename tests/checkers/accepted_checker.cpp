@@ -8,12 +8,12 @@ namespace {
 /// A message shows six of a price's ten places.
 constexpr Scaled kUnseen = 10'000;
 
-/// A thread that judges as another one resets may still tell a verdict of the run before.
-void KeepMoment(std::map<std::string, LocalTime>& verdicts, LocalTime at) {
-  std::erase_if(verdicts, [at](const auto& verdict) { return verdict.second < at; });
-}
-
 }  // namespace
+
+/// A thread that judges as another one resets may still tell a verdict of the run before.
+void CAcceptedChecker::KeepMoment(Verdicts& verdicts, LocalTime at) {
+  std::erase_if(verdicts, [at](const auto& verdict) { return verdict.second.at < at; });
+}
 
 void CAcceptedChecker::OnStep(const TraceStep& step) {
   if (step.LineStarts("Reset. ")) {
@@ -31,9 +31,12 @@ void CAcceptedChecker::OnVerdict(const TraceStep& step, const JsonNode& body) {
   const bool isAccepted = IntegerOf(body, "OpenPriceOK") == 1;
   const std::string symbol = TextOf(body, "Symbol");
   Run& run = m_runs[step.strategy];
-  const auto [verdict, isNew] = (isAccepted ? run.accepted : run.rejected).try_emplace(symbol, step.at);
-  if (!isNew && verdict->second < step.at)
+  Verdicts& verdicts = isAccepted ? run.accepted : run.rejected;
+  const Verdict verdict{step.at, TextOf(body, "Stamp")};
+  const auto [earlier, isNew] = verdicts.try_emplace(symbol, verdict);
+  if (!isNew && earlier->second.stamp == verdict.stamp && earlier->second.at < step.at)
     Complain(step.at, fmt::format("{} is {} again in one run", symbol, isAccepted ? "accepted" : "rejected"));
+  earlier->second = verdict;
   const Scaled open = ScaledOf(DecimalOf(body, "OpenPrice"));
   if (!m_tape.Showed(symbol, CTape::kOpen, open, step.at, step.at, kUnseen))
     Complain(step.at, fmt::format("{} is judged at {}, which the tape doesn't show", symbol, open));
@@ -51,8 +54,9 @@ void CAcceptedChecker::CheckBounds(const TraceStep& step, const KnownStrategy& s
                             info.openTo == kNone || open > info.openTo + kUnseen;
   const bool isAccepted = IntegerOf(body, "OpenPriceOK") == 1;
   if (isAccepted ? isClearlyOut : isClearlyIn)
-    Complain(step.at, fmt::format("the verdict {} on an open of {} isn't that of the bounds {} and {}",
-                                  isAccepted, open, info.openFrom, info.openTo));
+    ComplainByInfo(step.at, strategy.number,
+                   fmt::format("the verdict {} on an open of {} isn't that of the bounds {} and {}",
+                               isAccepted, open, info.openFrom, info.openTo));
 }
 
 void CAcceptedChecker::OnMomentEnd(LocalTime at) {

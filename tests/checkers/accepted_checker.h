@@ -23,15 +23,21 @@ class CAcceptedChecker : public CChecker {
   void OnMomentEnd(LocalTime at) override;
 
  private:
+  struct Verdict {
+    LocalTime at;
+    std::string stamp;
+  };
+  using Verdicts = std::map<std::string, Verdict>;  ///< by symbol
   struct Run {
-    std::map<std::string, LocalTime> accepted;  ///< and when
-    std::map<std::string, LocalTime> rejected;
+    Verdicts accepted;
+    Verdicts rejected;
   };
   struct Bought {
     uint32_t strategy;
     std::string symbol;
   };
 
+  static void KeepMoment(Verdicts& verdicts, LocalTime at);
   void OnVerdict(const TraceStep& step, const JsonNode& body);
   void CheckBounds(const TraceStep& step, const KnownStrategy& strategy, const JsonNode& body);
 

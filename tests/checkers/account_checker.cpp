@@ -10,9 +10,9 @@ void CAccountChecker::OnStep(const TraceStep& step) {
   const bool isRefused = step.LineStarts("NewOrder Fail. Account not Ready. ") ||
                          step.LineStarts("CancelOrder Fail. Account not Ready. ");
   if (isSent && !m_tape.WasReady(account, step.at))
-    Complain(step.at, "leaves while the account isn't connected: " + step.line);
+    ComplainByInfo(step.at, step.strategy, "leaves while the account isn't connected: " + step.line);
   if (isRefused && !m_tape.WasNotReady(account, step.at))
-    Complain(step.at, "is refused while the account is connected: " + step.line);
+    ComplainByInfo(step.at, step.strategy, "is refused while the account is connected: " + step.line);
 }
 
 }  // namespace iorder::testing

@@ -92,8 +92,12 @@ void CBatchChecker::OnStep(const TraceStep& step) {
 
 void CBatchChecker::OnStrategyLine(const TraceStep& step, const KnownStrategy& strategy) {
   Course& course = m_courses[step.strategy];
-  if (step.LineStarts("Reset. ")) course.taken.clear();
-  if (step.LineStarts("LogOpenPrice. ") && strategy.info.chain.ends_with(".HOT"))
+  if (step.LineStarts("Reset. ")) {
+    course.taken.clear();
+    course.isHot = strategy.info.chain.ends_with(".HOT");
+    course.wasHot |= course.isHot;
+  }
+  if (step.LineStarts("LogOpenPrice. ") && course.isHot)
     course.chain = Tokens(FieldText(step.line, "Symbol").value_or(""), 0, 5);
   if (step.LineStarts(kSent)) m_sending[step.thread] = step.strategy;
   if (step.thread != kBatchThread) return;
@@ -175,26 +179,32 @@ void CBatchChecker::CheckLots(const TraceStep& step, const KnownStrategy& strate
   const auto [lots, left] = Spread(prices, weight, strategy.info.cash);
   for (size_t i = 0; i < lots.size(); ++i) {
     if (lots[i] != batch.placed[i].lots)
-      Complain(step.at, fmt::format("{} gets {} lots in place of {}", batch.placed[i].symbol,
-                                    batch.placed[i].lots, lots[i]));
+      ComplainByInfo(step.at, strategy.number,
+                     fmt::format("{} gets {} lots in place of {}", batch.placed[i].symbol,
+                                 batch.placed[i].lots, lots[i]));
   }
   const int64_t told = FieldInteger(step.line, "llTotalCashOrder");
   const auto spent =
       static_cast<int64_t>(static_cast<uint64_t>(strategy.info.cash) - static_cast<uint64_t>(left));
-  if (told != spent) Complain(step.at, fmt::format("a batch tells a cash of {} in place of {}", told, spent));
+  if (told != spent)
+    ComplainByInfo(step.at, strategy.number,
+                   fmt::format("a batch tells a cash of {} in place of {}", told, spent));
 }
 
 void CBatchChecker::CheckStamp(const TraceStep& step, const KnownStrategy& strategy) {
   const std::string userKey = FieldText(step.text, "USERKEY2").value_or("");
   const std::string expected = strategy.info.key + "@" + m_courses[strategy.number].stamp;
   if (userKey != expected)
-    Complain(step.at, fmt::format("an order carries '{}' in place of '{}'", userKey, expected));
+    ComplainByInfo(step.at, strategy.number,
+                   fmt::format("an order carries '{}' in place of '{}'", userKey, expected));
 }
 
 /// A chain of a fixed month has no resolved symbol of its own, so that its weight is 1, or that of the hot
 /// chain before it.
 double CBatchChecker::WeightOf(const Course& course) const {
-  const auto found = m_weights.find(course.chain);
+  const std::string placed = course.batch.placed.empty() ? std::string() : course.batch.placed.front().symbol;
+  const bool isUnknown = course.wasHot && course.chain.empty();
+  const auto found = m_weights.find(isUnknown ? Tokens(placed, 0, 5) : course.chain);
   return found == m_weights.end() ? 1.0 : found->second;
 }
 

@@ -43,7 +43,9 @@ class CBatchChecker : public CChecker {
     Batch batch;
     std::string stamp;            ///< of the last batch
     std::set<std::string> taken;  ///< symbols of the run's batches so far
-    std::string chain;            ///< whose weight counts: of the last hot chain
+    std::string chain;            ///< whose weight counts: of the last hot chain, once it shows
+    bool isHot = false;           ///< the run's chain was resolved as it began
+    bool wasHot = false;
   };
 
   void OnStrategyLine(const TraceStep& step, const KnownStrategy& strategy);

@@ -13,9 +13,13 @@ struct Violation {
   std::string rule;
   LocalTime at;
   std::string what;
+  uint32_t byInfoOf = 0;  ///< it goes by the order info of that strategy, if it names one
 };
 
 using Violations = std::vector<Violation>;
+
+/// What is posted to the thread of the batches may have to wait for so long: it looks for quotes in between.
+inline constexpr Milliseconds kLongestWait{3000};
 
 /// Holds one rule against the events of a trace, in their order. It knows the trace and what the day file
 /// says, nothing of the engine.
@@ -40,6 +44,11 @@ class CChecker {
 
  protected:
   void Complain(LocalTime at, std::string what) { m_violations.push_back({m_rule, at, std::move(what)}); }
+  /// The same for what goes by a strategy's order info: void if a command gives it another one in this
+  /// moment, since either may have counted.
+  void ComplainByInfo(LocalTime at, uint32_t strategy, std::string what) {
+    m_violations.push_back({m_rule, at, std::move(what), strategy});
+  }
 
  private:
   const std::string m_rule;

@@ -80,6 +80,10 @@ void CCheckers::OnStep(const TraceStep& step) {
 const Violations& CCheckers::Finish() {
   for (const auto& checker : m_checkers) checker->OnMomentEnd(m_now);
   m_profits.OnMomentEnd();
+  std::erase_if(m_violations, [this](const Violation& violation) {
+    const KnownStrategy* const strategy = m_book.Find(violation.byInfoOf);
+    return strategy != nullptr && violation.at == m_now && strategy->changedAt == m_now;
+  });
   return m_violations;
 }
 

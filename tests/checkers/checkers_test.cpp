@@ -239,6 +239,13 @@ TEST(PositionChecker, SeesAWrongSale) {
                   "TWF.TX.202403.C.18200\",\"Date\":20240304,\"Time\":100010,\"OrderPrice\":\"MWP\""));
 }
 
+TEST(PositionChecker, SeesALimitThatClosesOutAgain) {
+  CRecordedDay day(LimitDay());
+  ExpectBroken("positions", day.Repeat("DoClosePos End.")
+                                .Repeat("DoClosePos. bByProfit=1")
+                                .Move("DoClosePos End.", "DoClosePos. bByProfit=1"));
+}
+
 TEST(PositionChecker, SeesAFillThatIsNotCounted) {
   const std::string close = "\"CloseAvgPrice\":6.5,\"CloseQty\":2,";
   CRecordedDay day(LimitDay());
@@ -293,7 +300,11 @@ TEST(LimitChecker, SeesALimitThatFiresWronglyOrNotAtAll) {
 
 TEST(EndChecker, SeesABuyAfterTheEnd) {
   ExpectBroken("ends", CRecordedDay(StopTimeDay()).Move("NewOrder. TYPE", "strReportID=R2, lExecType=8"));
-  ExpectBroken("ends", CRecordedDay(LimitDay()).Move("NewOrder. TYPE", "\"Cost\":950,\"PnL\":-340.0"));
+  CRecordedDay limited(LimitDay());
+  limited.Drop("strReportID=R1, lExecType=8")
+      .Drop("strReportID=R2, lExecType=8")
+      .Drop("strReportID=R3", true);
+  ExpectBroken("ends", limited.Move("NewOrder. TYPE", "ProcessCalPositionProfit End."));
   CRecordedDay stopped(StopTimeDay());
   ExpectBroken("ends", stopped.Change("Wait Reset.", "Wait Reset.", "Stop.")
                            .Move("NewOrder. TYPE", "strReportID=R2, lExecType=8"));

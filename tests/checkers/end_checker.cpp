@@ -23,7 +23,8 @@ void CEndChecker::OnStep(const TraceStep& step) {
     OnReport(step);
   } else if (step.LineStarts("NewOrder") && FieldText(step.line, "SIDE") == "B") {
     const End& end = m_ends[step.strategy];
-    if (end.hasEnded && step.at > end.at)
+    const LocalTime until = end.byLimit ? end.at + kLongestWait : end.at;
+    if (end.hasEnded && step.at > until)
       Complain(step.at, fmt::format("buys after {}: {}", end.what, step.line));
   }
 }

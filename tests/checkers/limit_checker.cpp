@@ -113,13 +113,16 @@ std::vector<Totals> CLimitChecker::SumsOf(const std::string& tag, LocalTime at) 
 }
 
 bool CLimitChecker::IsUnsure(const std::string& tag, LocalTime at) const {
+  if (m_book.HasChanged(at)) return true;
   const auto strategies = m_book.OfTag(tag, at);
-  return std::any_of(strategies.begin(), strategies.end(),
-                     [&](const KnownStrategy* strategy) { return m_positions.IsUnsure(strategy->number); });
+  return std::any_of(strategies.begin(), strategies.end(), [&](const KnownStrategy* strategy) {
+    return m_positions.IsUnsure(strategy->number, at);
+  });
 }
 
 /// The amount is the tag's, in this moment, and at its limit or beyond.
 void CLimitChecker::CheckFired(LocalTime at, const Fired& fired) {
+  if (m_book.HasChanged(at)) return;
   for (const KnownStrategy* const strategy : m_book.OfTag(fired.tag, at)) {
     const std::string& key = strategy->info.key;
     const std::string name = key.substr(key.find('_') + 1);
@@ -159,8 +162,9 @@ void CLimitChecker::CheckMissed(LocalTime at, const std::string& tag) {
   if (hasFired || found == m_limits.end()) return;
   Totals sum;
   for (const KnownStrategy* const strategy : m_book.OfTag(tag, at)) {
-    if (strategy->goneAt) return;
-    sum += m_profits.Now(strategy->number);
+    const std::vector<Totals> now = m_profits.Now(strategy->number);
+    if (strategy->goneAt || now.size() > 1) return;
+    sum += now.front();
   }
   const auto cost = static_cast<double>(sum.cost.exact);
   const auto profit = static_cast<double>(sum.profit.exact);

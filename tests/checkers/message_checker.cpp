@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "tests/checkers/message_form.h"
 
 namespace iorder::testing {
@@ -19,6 +21,8 @@ std::pair<int64_t, int64_t> DateAndTime(LocalTime at) {
 }  // namespace
 
 void CMessageChecker::OnStep(const TraceStep& step) {
+  if (step.at != m_now) CheckSent(step);
+  m_now = step.at;
   if (step.LineStarts(kAnnounced)) {
     OnAnnouncement(step);
   } else if (step.IsLog() && step.text.starts_with(std::string(kEnginePrefix) + "{\"StrategyType\"")) {
@@ -33,14 +37,15 @@ void CMessageChecker::OnAnnouncement(const TraceStep& step) {
   if (text.ends_with('.')) text.pop_back();
   if (text.find("\"MsgType\":\"TotalProfit\"") != std::string::npos)
     Complain(step.at, "a strategy tells the total of a tag: " + text);
-  Announced& due = m_announced[step.thread];
-  if (due.screenIsDue || due.clientIsDue) Complain(step.at, "was announced and not sent: " + due.text);
-  due = {.text = text, .screenIsDue = true, .clientIsDue = true};
+  Dues& dues = m_dues[step.thread];
+  if (!dues.empty() && step.thread != "bus")
+    Complain(step.at, "was announced and not sent: " + dues.front().text);
+  dues.push_back({.text = text, .at = step.at, .screenIsDue = true});
   CheckForm(step, text);
 }
 
 void CMessageChecker::OnTotal(const TraceStep& step, const std::string& text) {
-  m_announced[step.thread] = {.text = text, .screenIsDue = false, .clientIsDue = true};
+  m_dues[step.thread].push_back({.text = text, .at = step.at, .screenIsDue = false});
   CheckForm(step, text);
   try {
     const JsonNode message = ParseJson(text, {});
@@ -53,15 +58,29 @@ void CMessageChecker::OnTotal(const TraceStep& step, const std::string& text) {
 }
 
 void CMessageChecker::OnMessage(const TraceStep& step) {
-  Announced& due = m_announced[step.thread];
-  bool& isDue = step.topic == kScreenMessages ? due.screenIsDue : due.clientIsDue;
-  const bool inOrder = isDue && (step.topic == kScreenMessages || !due.screenIsDue);
-  if (!inOrder || due.text != step.text)
+  Dues& dues = m_dues[step.thread];
+  const bool toScreen = step.topic == kScreenMessages;
+  const auto due = std::find_if(dues.begin(), dues.end(), [&](const Announced& announced) {
+    return announced.text == step.text && announced.screenIsDue == toScreen;
+  });
+  if (due == dues.end()) {
     Complain(step.at, fmt::format("{} on {} isn't what was announced", step.text, step.topic));
-  isDue = false;
+  } else if (toScreen) {
+    due->screenIsDue = false;
+  } else {
+    dues.erase(due);
+  }
   if (step.first != 1 || step.second != 1 || step.value != "OpenLottery")
     Complain(step.at,
              fmt::format("{} leaves with {}, {} and '{}'", step.text, step.first, step.second, step.value));
+}
+
+/// A thread that the end of the day cuts off leaves its message behind, so the last moment isn't looked at.
+void CMessageChecker::CheckSent(const TraceStep& step) {
+  for (auto& [thread, dues] : m_dues) {
+    for (const Announced& due : dues) Complain(step.at, "was announced and not sent: " + due.text);
+    dues.clear();
+  }
 }
 
 void CMessageChecker::CheckForm(const TraceStep& step, const std::string& text) {

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include "tests/checkers/checker.h"
 
@@ -21,9 +22,12 @@ class CMessageChecker : public CChecker {
   /// What a thread has announced and not yet sent.
   struct Announced {
     std::string text;
+    LocalTime at;
     bool screenIsDue = false;
-    bool clientIsDue = false;
   };
+  /// Of each thread what is due. One after the other; only of the bus, whose threads all bear one name, there
+  /// may be several.
+  using Dues = std::vector<Announced>;
 
   void OnAnnouncement(const TraceStep& step);
   void OnTotal(const TraceStep& step, const std::string& text);
@@ -31,8 +35,11 @@ class CMessageChecker : public CChecker {
   void CheckForm(const TraceStep& step, const std::string& text);
   void CheckMoment(const TraceStep& step, const JsonNode& body);
 
-  std::map<std::string, Announced> m_announced;  ///< by thread
-  std::map<std::string, std::string> m_totals;   ///< the last text of each tag
+  void CheckSent(const TraceStep& step);
+
+  std::map<std::string, Dues> m_dues;           ///< by thread
+  std::map<std::string, std::string> m_totals;  ///< the last text of each tag
+  LocalTime m_now;
 };
 
 }  // namespace iorder::testing

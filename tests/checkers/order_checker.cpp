@@ -114,7 +114,7 @@ void COrderChecker::CheckTemplate(const TraceStep& step, const KnownStrategy& st
   const bool isNumeric = IsNumber(field("QTY")) && IsNumber(field("PROCESSID"));
   const bool isOfStrategy = field("USERKEY2").starts_with(info.key + "@");
   if (step.text != expected || !isNumeric || !isOfStrategy)
-    Complain(step.at, "isn't of the form " + expected + ": " + step.text);
+    ComplainByInfo(step.at, strategy.number, "isn't of the form " + expected + ": " + step.text);
 }
 
 void COrderChecker::CheckBuy(const TraceStep& step, const KnownStrategy& strategy) {
@@ -134,7 +134,7 @@ void COrderChecker::CheckBuy(const TraceStep& step, const KnownStrategy& strateg
   // One more conversion to a double and back may move a large price by its last place.
   const bool isKnown = price != kNone && expected != kNone;
   if (!isKnown || std::abs(price - expected) > 1)
-    Complain(step.at, fmt::format("buys at {} in place of {}", price, expected));
+    ComplainByInfo(step.at, strategy.number, fmt::format("buys at {} in place of {}", price, expected));
 }
 
 void COrderChecker::CheckTick(const TraceStep& step, const std::string& symbol, Scaled price) {
@@ -153,7 +153,8 @@ void COrderChecker::CheckSale(const TraceStep& step, const KnownStrategy& strate
   const std::string byProfit = SaleText(info.profitCloseType, info.profitCloseTicks);
   if (step.text.find("," + byTime + ",") == std::string::npos &&
       step.text.find("," + byProfit + ",") == std::string::npos)
-    Complain(step.at, fmt::format("a close is neither '{}' nor '{}': {}", byTime, byProfit, step.text));
+    ComplainByInfo(step.at, strategy.number,
+                   fmt::format("a close is neither '{}' nor '{}': {}", byTime, byProfit, step.text));
 }
 
 }  // namespace iorder::testing

@@ -24,12 +24,14 @@ int64_t NetOf(const CPositionModel::Positions& positions, const std::string& sym
 }  // namespace
 
 void CPositionChecker::OnStep(const TraceStep& step) {
-  if (step.strategy == 0 || m_model.IsUnsure(step.strategy)) return;
+  if (step.strategy == 0 || m_model.IsUnsure(step.strategy, step.at)) return;
   Walk& walk = m_walks[{step.strategy, step.thread}];
   if (step.LineStarts("DoClosePos. ")) {
-    walk = {.isOpen = true, .sold = {}};
+    walk = {.isOpen = true, .byLimit = step.LineStarts("DoClosePos. bByProfit=1"), .sold = {}};
   } else if (step.LineStarts("DoClosePos End.")) {
     CheckWalk(step, walk);
+    if (walk.byLimit && !m_closedByLimit.insert(step.strategy).second)
+      Complain(step.at, "a limit closes out again");
     walk = {};
   } else if (const JsonNode* const report = BodyOf(step, "Report")) {
     if (report->Find("UpdateDate") != nullptr) CheckReport(step, *report);

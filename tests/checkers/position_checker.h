@@ -10,7 +10,8 @@
 namespace iorder::testing {
 
 /// A position is the sum of its fills, per strategy, run and symbol: "Report" messages tell it, its bought
-/// and sold lots and their averages, and a close sells all of it, of every symbol that is held.
+/// and sold lots and their averages, and a close sells all of it, of every symbol that is held. A limit
+/// closes out once in a strategy's life.
 ///
 /// Where a symbol has been bought by more than one order of a run, the last one with a fill counts: that is
 /// what the rules say.
@@ -26,6 +27,7 @@ class CPositionChecker : public CChecker {
  private:
   struct Walk {
     bool isOpen = false;
+    bool byLimit = false;
     std::set<std::string> sold;
   };
 
@@ -40,6 +42,7 @@ class CPositionChecker : public CChecker {
   const CPositionModel& m_model;
   const bool m_fillsAreComplete;
   std::map<std::pair<uint32_t, std::string>, Walk> m_walks;  ///< by strategy and thread
+  std::set<uint32_t> m_closedByLimit;                        ///< strategies
 };
 
 }  // namespace iorder::testing

@@ -134,9 +134,9 @@ const SoldSum& CPositionModel::SumOf(uint32_t strategy) const {
   return found == m_books.end() ? none : found->second.sum;
 }
 
-bool CPositionModel::IsUnsure(uint32_t strategy) const {
+bool CPositionModel::IsUnsure(uint32_t strategy, LocalTime at) const {
   const auto found = m_books.find(strategy);
-  return found != m_books.end() && found->second.isUnsure;
+  return found != m_books.end() && (found->second.isUnsure || found->second.reset == at);
 }
 
 }  // namespace iorder::testing

@@ -64,7 +64,7 @@ class CPositionModel {
   const SoldSum& SumOf(uint32_t strategy) const;
   /// A reset met reports or values of the run in one moment: which came first isn't known, so nothing is
   /// known of the positions until the next reset.
-  bool IsUnsure(uint32_t strategy) const;
+  bool IsUnsure(uint32_t strategy, LocalTime at) const;
 
  private:
   struct Book {

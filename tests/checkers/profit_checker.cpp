@@ -11,12 +11,6 @@ namespace {
 /// The log shows six places of a double.
 constexpr long double kShown = 6e-7L;
 
-bool IsSameHolding(const CPositionModel::Positions& positions, const ToldValue& value) {
-  const auto found = positions.find(value.symbol);
-  return found != positions.end() && found->second.Net() == value.lots &&
-         found->second.average == value.average;
-}
-
 }  // namespace
 
 void CProfitChecker::OnStep(const TraceStep& step) {
@@ -45,9 +39,8 @@ void CProfitChecker::CheckValue(const TraceStep& step) {
   const ToldValue value = ReadValue(step.line);
   Course& course = m_courses[step.strategy];
   course.untold[value.symbol].push_back(value);
-  if (m_positions.IsUnsure(step.strategy)) return;
-  if (!IsSameHolding(m_positions.Of(step.strategy), value) &&
-      !IsSameHolding(m_positions.BeforeOf(step.strategy), value))
+  if (m_positions.IsUnsure(step.strategy, step.at)) return;
+  if (!value.IsOf(m_positions.Of(step.strategy)) && !value.IsOf(m_positions.BeforeOf(step.strategy)))
     Complain(step.at, "values what isn't held: " + step.line);
   const auto since = course.since.find(value.symbol);
   const LocalTime from = since == course.since.end() ? step.at : since->second;
@@ -97,17 +90,23 @@ void CProfitChecker::OnMomentEnd(LocalTime at) {
 
 void CProfitChecker::CheckTagTotal(LocalTime at, const JsonNode& message) {
   const JsonNode* const data = message.Find("Data");
-  if (data == nullptr) return;
+  if (data == nullptr || m_book.HasChanged(at)) return;
   std::vector<std::vector<Totals>> strategies;
   for (const KnownStrategy* const strategy : m_book.OfTag(TextOf(message, "StrategyTag"), at)) {
-    if (m_positions.IsUnsure(strategy->number)) return;
+    if (m_positions.IsUnsure(strategy->number, at)) return;
     strategies.push_back(m_profits.InMoment(strategy->number));
     if (strategy->goneAt) strategies.back().emplace_back();
   }
-  if (!FitsTag(strategies, 0, {}, *data))
-    Complain(at,
-             fmt::format("the total of the tag '{}' isn't the sum of its strategies: Cost {}, PnL {}",
-                         TextOf(message, "StrategyTag"), IntegerOf(*data, "Cost"), DecimalOf(*data, "PnL")));
+  if (FitsTag(strategies, 0, {}, *data)) return;
+  Totals last;
+  for (const std::vector<Totals>& strategy : strategies) last += strategy.front();
+  Complain(
+      at,
+      fmt::format(
+          "the total of the tag '{}' is told as cost {}, profit {}; its {} strategies come to {:.4f} and "
+          "{:.4f}",
+          TextOf(message, "StrategyTag"), IntegerOf(*data, "Cost"), DecimalOf(*data, "PnL"),
+          strategies.size(), static_cast<double>(last.cost.exact), static_cast<double>(last.profit.exact)));
 }
 
 /// Whether some choice of what each strategy was at in this moment adds up to what was told.

@@ -20,6 +20,11 @@ ToldValue ReadValue(const std::string& line) {
   return value;
 }
 
+bool ToldValue::IsOf(const CPositionModel::Positions& positions) const {
+  const auto found = positions.find(symbol);
+  return found != positions.end() && found->second.Net() == lots && found->second.average == average;
+}
+
 void CProfitModel::OnStep(const TraceStep& step) {
   if (step.IsLog() && step.text.starts_with(kAttribute)) {
     const std::string key = FieldText(step.text, "strMapKey").value_or("");
@@ -31,14 +36,14 @@ void CProfitModel::OnStep(const TraceStep& step) {
   } else if (step.LineStarts("Reset. ")) {
     Book& book = m_books[step.strategy];
     book.profits.clear();
-    book.totals.emplace_back();
+    book.Become({Totals()});
   } else if (step.LineStarts("OnPositionProfit Result. ")) {
     Value(step.strategy, ReadValue(step.line));
   }
 }
 
 void CProfitModel::OnMomentEnd() {
-  for (auto& [number, book] : m_books) book.totals = {book.totals.back()};
+  for (auto& [number, book] : m_books) book.earlier.clear();
 }
 
 double CProfitModel::WeightOf(const std::string& symbol) const {
@@ -50,33 +55,43 @@ void CProfitModel::Value(uint32_t strategy, const ToldValue& value) {
   Book& book = m_books[strategy];
   const double weight = WeightOf(value.symbol);
   book.profits[value.symbol] = ProfitOf(value.last, value.average, value.lots, weight);
-  // A report that is on its way in may count or not.
-  if (m_positions.ReportOf(strategy) != nullptr) AddTotals(book, m_positions.BeforeOf(strategy), weight);
-  AddTotals(book, m_positions.Of(strategy), weight);
+  const CPositionModel::Positions& before = m_positions.BeforeOf(strategy);
+  const CPositionModel::Positions& after = m_positions.Of(strategy);
+  std::vector<Totals> totals;
+  if (value.IsOf(after)) totals.push_back(TotalsOf(book, after, weight));
+  if (value.IsOf(before) && m_positions.ReportOf(strategy) != nullptr)
+    totals.push_back(TotalsOf(book, before, weight));
+  if (totals.empty()) totals.push_back(TotalsOf(book, after, weight));
+  book.Become(std::move(totals));
 }
 
 /// All positions cost at the weight of the one that was valued, closed lots included.
-void CProfitModel::AddTotals(Book& book, const CPositionModel::Positions& positions, double weight) {
+Totals CProfitModel::TotalsOf(const Book& book, const CPositionModel::Positions& positions, double weight) {
   Totals totals;
   for (const auto& [symbol, position] : positions) {
     if (position.bought > 0 && position.average != kNone)
       totals.cost += CostOf(position.average, position.bought, weight);
   }
   for (const auto& [symbol, profit] : book.profits) totals.profit += profit;
-  book.totals.push_back(totals);
+  return totals;
+}
+
+void CProfitModel::Book::Become(std::vector<Totals> totals) {
+  earlier.insert(earlier.end(), now.begin(), now.end());
+  now = std::move(totals);
 }
 
 std::vector<Totals> CProfitModel::InMoment(uint32_t strategy) const {
+  std::vector<Totals> all = Now(strategy);
   const auto found = m_books.find(strategy);
-  return found == m_books.end() ? std::vector<Totals>{Totals()} : found->second.totals;
+  if (found != m_books.end())
+    all.insert(all.end(), found->second.earlier.begin(), found->second.earlier.end());
+  return all;
 }
 
-Totals CProfitModel::Now(uint32_t strategy) const {
-  return InMoment(strategy).back();
-}
-
-bool CProfitModel::HasChanged(uint32_t strategy) const {
-  return InMoment(strategy).size() > 1;
+std::vector<Totals> CProfitModel::Now(uint32_t strategy) const {
+  const auto found = m_books.find(strategy);
+  return found == m_books.end() ? std::vector<Totals>{Totals()} : found->second.now;
 }
 
 const std::map<std::string, Money>& CProfitModel::ProfitsOf(uint32_t strategy) const {

@@ -30,6 +30,9 @@ struct ToldValue {
   Scaled last = kNone;
   double profit = 0;
   double totalProfit = 0;
+
+  /// Whether it is of what these positions hold.
+  bool IsOf(const CPositionModel::Positions& positions) const;
 };
 
 ToldValue ReadValue(const std::string& line);
@@ -44,22 +47,25 @@ class CProfitModel {
   void OnMomentEnd();
 
   double WeightOf(const std::string& symbol) const;
-  /// What a strategy's totals have been in this moment: those with which it began, and each change.
+  /// What a strategy's totals may have been in this moment: those with which it began, and each change.
   std::vector<Totals> InMoment(uint32_t strategy) const;
-  /// The last of them.
-  Totals Now(uint32_t strategy) const;
-  bool HasChanged(uint32_t strategy) const;
+  /// What they may be now: more than one where a report came in as a position was valued, so that either side
+  /// of it may have counted.
+  std::vector<Totals> Now(uint32_t strategy) const;
   /// Profits of a strategy's positions as they were last valued.
   const std::map<std::string, Money>& ProfitsOf(uint32_t strategy) const;
 
  private:
   struct Book {
     std::map<std::string, Money> profits;
-    std::vector<Totals> totals{Totals()};  ///< in this moment
+    std::vector<Totals> now{Totals()};
+    std::vector<Totals> earlier;  ///< in this moment
+
+    void Become(std::vector<Totals> totals);
   };
 
   void Value(uint32_t strategy, const ToldValue& value);
-  void AddTotals(Book& book, const CPositionModel::Positions& positions, double weight);
+  static Totals TotalsOf(const Book& book, const CPositionModel::Positions& positions, double weight);
 
   const CPositionModel& m_positions;
   std::map<uint32_t, Book> m_books;

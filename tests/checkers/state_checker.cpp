@@ -40,7 +40,10 @@ void CStateChecker::OnStep(const TraceStep& step) {
 void CStateChecker::OnTold(const TraceStep& step) {
   const std::string key = "OpenLottery_" + FieldText(step.text, "strStrategyID").value_or("") + "_" +
                           FieldText(step.text, "m_strStrStrategySN").value_or("");
-  if (const KnownStrategy* const strategy = m_book.FindKey(key)) ++m_courses[strategy->number].limits;
+  const KnownStrategy* const strategy = m_book.FindKey(key);
+  if (strategy == nullptr) return;
+  Course& course = m_courses[strategy->number];
+  if (course.limits++ == 0) course.limitsUntil = step.at + kLongestWait;
 }
 
 void CStateChecker::OnLine(const TraceStep& step, Course& course) {
@@ -128,10 +131,15 @@ void CStateChecker::OnCancels(const TraceStep& step, Course& course) {
   }
   const int64_t state = StateOf(step);
   const bool ends = step.thread == kBatchThread ? course.isStopping : course.isEnding;
-  if (step.thread == kBatchThread && state == -2) Finish(step, course);
   const bool byLimit = step.thread == kBatchThread && !ends && state == -1 && course.limits > 0;
   course.isLimited = byLimit;
-  Add(course, step, byLimit ? Access::Kind::kLimit : Access::Kind::kRead, state);
+  // A stop command that doesn't cancel may be over by now.
+  const bool mayBeStopped = step.thread == kBatchThread && course.isStopping;
+  Add(course, step,
+      byLimit        ? Access::Kind::kLimit
+      : mayBeStopped ? Access::Kind::kStopped
+                     : Access::Kind::kRead,
+      state);
   if (byLimit) --course.limits;
   // In any other state room isn't made, and the line stays alone.
   if (ends || byLimit || state == 2 || state == 8) course.makingRoom.insert(step.thread);
@@ -203,6 +211,9 @@ void CStateChecker::Settle(LocalTime at, Course& course) {
         allowed.insert(-1);
         writers.insert(access.thread);
         break;
+      case Access::Kind::kStopped:
+        allowed.insert(-2);
+        break;
       case Access::Kind::kRead:
         break;
     }
@@ -216,8 +227,12 @@ void CStateChecker::Settle(LocalTime at, Course& course) {
     }
   }
   for (const auto& [thread, states] : latest) all.insert(states.begin(), states.end());
-  if (course.limits > 0 && !all.contains(-1)) Complain(at, "a limit that was told doesn't close out");
-  course.limits = 0;
+  // In a run that is over a limit does nothing.
+  if (all.contains(-1)) course.limits = 0;
+  if (course.limits > 0 && at > course.limitsUntil) {
+    Complain(at, "a limit that was told doesn't close out");
+    course.limits = 0;
+  }
 
   States next;
   for (const auto& [thread, states] : latest) {

@@ -31,7 +31,7 @@ class CStateChecker : public CChecker {
   using States = std::set<int64_t>;
 
   struct Access {
-    enum class Kind { kRead, kWrite, kFill, kReject, kLimit };
+    enum class Kind { kRead, kWrite, kFill, kReject, kLimit, kStopped };
     Kind kind = Kind::kRead;
     std::string thread;
     int64_t state = 0;  ///< that the log shows, or that is set
@@ -57,6 +57,7 @@ class CStateChecker : public CChecker {
     bool isEnding = false;                 ///< the stop time is being carried out
     std::string endingThread;
     int64_t limits = 0;                ///< that it was told of and that haven't shown
+    LocalTime limitsUntil;             ///< when they must have
     std::set<std::string> makingRoom;  ///< threads in DoCancelOrderOpen that haven't set 6
     int64_t placed = -1;               ///< orders of the batch that is being built; -1: none is
   };

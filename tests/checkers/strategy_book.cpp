@@ -1,6 +1,9 @@
 #include "tests/checkers/strategy_book.h"
 
+#include <algorithm>
 #include <charconv>
+
+#include "tests/checkers/checker.h"
 
 namespace iorder::testing {
 namespace {
@@ -35,6 +38,7 @@ void CStrategyBook::OnStep(const TraceStep& step) {
   if (found == m_strategies.end()) return;
   if (m_commandGoesOn && step.thread == kCommandThread) {
     ReadOrderInfo(m_command, found->second.info);
+    found->second.changedAt = step.at;
     m_commandGoesOn = false;
   }
   if (step.LineStarts(kRunBegins)) found->second.run = FieldText(step.line, "TimeStamp").value_or("");
@@ -78,10 +82,15 @@ const KnownStrategy* CStrategyBook::FindKey(const std::string& key) const {
   return last;
 }
 
+bool CStrategyBook::HasChanged(LocalTime at) const {
+  return std::any_of(m_strategies.begin(), m_strategies.end(),
+                     [at](const auto& strategy) { return strategy.second.changedAt == at; });
+}
+
 std::vector<const KnownStrategy*> CStrategyBook::OfTag(const std::string& tag, LocalTime at) const {
   std::vector<const KnownStrategy*> all;
   for (const auto& [number, strategy] : m_strategies) {
-    const bool isThere = !strategy.goneAt || *strategy.goneAt == at;
+    const bool isThere = !strategy.goneAt || at - *strategy.goneAt <= kLongestWait;
     if (isThere && strategy.info.tag == tag) all.push_back(&strategy);
   }
   return all;

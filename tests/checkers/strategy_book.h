@@ -15,6 +15,7 @@ struct KnownStrategy {
   uint32_t number = 0;
   OrderInfo info;
   std::string run;                  ///< the stamp of its run; empty before the first reset
+  LocalTime changedAt;              ///< a later command gave it another order info
   std::optional<LocalTime> goneAt;  ///< the engine was asked to drop it
 };
 
@@ -27,7 +28,9 @@ class CStrategyBook {
   const KnownStrategy* Find(uint32_t number) const;
   /// The last strategy of that key.
   const KnownStrategy* FindKey(const std::string& key) const;
-  /// In the order of their starts, with those that went in this millisecond.
+  /// Whether a command has given a strategy another order info in this millisecond.
+  bool HasChanged(LocalTime at) const;
+  /// In the order of their starts, with those that may still be on their way out.
   std::vector<const KnownStrategy*> OfTag(const std::string& tag, LocalTime at) const;
 
  private:

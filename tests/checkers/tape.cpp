@@ -100,9 +100,12 @@ bool CTape::Showed(const std::string& symbol, int32_t field, Scaled value, Local
   const auto found = m_courses.find({symbol, field});
   if (found == m_courses.end()) return false;
   const Course& course = found->second;
-  for (auto entry = course.begin(); entry != course.end() && entry->first <= to; ++entry) {
-    const bool isOver = std::next(entry) != course.end() && std::next(entry)->first < from;
-    if (!isOver && IsNear(entry->second, value, apart)) return true;
+  // Of what is written in one millisecond by two threads either may stay.
+  for (size_t i = 0; i < course.size() && course[i].first <= to; ++i) {
+    const auto isLater = [&](const auto& entry) { return entry.first > course[i].first; };
+    const auto next = std::find_if(course.begin() + static_cast<std::ptrdiff_t>(i), course.end(), isLater);
+    const bool isOver = next != course.end() && next->first < from;
+    if (!isOver && IsNear(course[i].second, value, apart)) return true;
   }
   return false;
 }

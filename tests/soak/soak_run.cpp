@@ -1,0 +1,109 @@
+#include "tests/soak/soak_run.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "app/run_day.h"
+#include "platform/text.h"
+#include "terminal/day_file.h"
+#include "terminal/input_error.h"
+#include "tests/checkers/checkers.h"
+
+namespace iorder::testing {
+namespace {
+
+constexpr int kMostTrials = 400;
+
+class CSoakListener : public ITerminalListener {
+ public:
+  CSoakListener(CCheckers& checkers, SoakOutcome& outcome) : m_checkers(checkers), m_outcome(outcome) {}
+
+  void OnEvent(const TraceEvent& event) override {
+    const TraceStep step = ReadStep(event);
+    m_checkers.OnStep(step);
+    m_outcome.coverage.OnStep(step);
+    if (event.kind != TraceKind::kFault) return;
+    // A distance that leads out of the chain ends the selection so: that is its rule.
+    if (step.text.starts_with("strike index ")) {
+      m_outcome.coverage.Count("selections outside the chain");
+    } else if (!m_outcome.violation) {
+      m_outcome.violation = {"faults", step.at, fmt::format("{} on {}", step.text, step.thread)};
+    }
+  }
+
+ private:
+  CCheckers& m_checkers;
+  SoakOutcome& m_outcome;
+};
+
+/// Tries smaller days, as long as there are trials left.
+class CShrinker {
+ public:
+  CShrinker(const Violation& violation, const std::filesystem::path& path)
+      : m_rule(violation.rule), m_path(path) {}
+
+  bool Shows(const SoakDay& day) {
+    ++m_trials;
+    const SoakOutcome outcome = PlaySoakDay(day, m_path);
+    return outcome.violation && outcome.violation->rule == m_rule;
+  }
+  bool HasTrials() const { return m_trials < kMostTrials; }
+
+  /// Takes pieces of `size` events out where the day still shows it without them.
+  void CutPieces(SoakDay& day, size_t size) {
+    for (size_t begin = 0; begin < day.events.size() && HasTrials();) {
+      SoakDay smaller = day;
+      const auto first = smaller.events.begin() + static_cast<std::ptrdiff_t>(begin);
+      const auto count = std::min(size, smaller.events.size() - begin);
+      smaller.events.erase(first, first + static_cast<std::ptrdiff_t>(count));
+      if (Shows(smaller)) {
+        day = std::move(smaller);
+      } else {
+        begin += size;
+      }
+    }
+  }
+
+ private:
+  const std::string m_rule;
+  const std::filesystem::path m_path;
+  int m_trials = 0;
+};
+
+}  // namespace
+
+SoakOutcome PlaySoakDay(const SoakDay& made, const std::filesystem::path& path) {
+  SoakOutcome outcome;
+  made.Write(path);
+  try {
+    const Day day = ReadDayFile(path.string());
+    CCheckers checkers(day);
+    CSoakListener listener(checkers, outcome);
+    CDayRun run(day, {}, {&listener});
+    const std::vector<std::string> errors = run.Run();
+    const Violations& violations = checkers.Finish();
+    if (!violations.empty() && !outcome.violation) outcome.violation = violations.front();
+    if (!errors.empty()) outcome.violation = {"run", made.end, errors.front()};
+  } catch (const InputError& error) {
+    outcome.violation = {"day", made.start, error.what()};
+  }
+  outcome.coverage.Count("days");
+  return outcome;
+}
+
+SoakDay Shrink(const SoakDay& day, const Violation& violation, const std::filesystem::path& path) {
+  CShrinker shrinker(violation, path);
+  SoakDay smallest = day;
+  SoakDay cut = day;
+  cut.end = std::min(day.end, violation.at + std::chrono::seconds(1));
+  std::erase_if(cut.events, [&cut](const SoakDay::Event& event) { return event.at > cut.end; });
+  if (shrinker.Shows(cut)) smallest = std::move(cut);
+  for (size_t size = std::max<size_t>(1, smallest.events.size() / 2); size > 0 && shrinker.HasTrials();
+       size /= 2)
+    shrinker.CutPieces(smallest, size);
+  smallest.Write(path);
+  return smallest;
+}
+
+}  // namespace iorder::testing
