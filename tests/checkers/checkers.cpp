@@ -58,7 +58,7 @@ CCheckers::CCheckers(const Day& day, const std::set<std::string>& leftOut) : m_t
   m_checkers.push_back(
       std::make_unique<CProfitChecker>(m_book, m_positions, m_profits, m_tape, m_violations));
   m_checkers.push_back(std::make_unique<CLimitChecker>(m_book, m_positions, m_profits, m_violations));
-  m_checkers.push_back(std::make_unique<CEndChecker>(m_violations));
+  m_checkers.push_back(std::make_unique<CEndChecker>(m_book, m_violations));
   m_checkers.push_back(std::make_unique<CStateChecker>(m_book, m_violations));
   std::erase_if(m_checkers, [&](const auto& checker) { return leftOut.contains(checker->Rule()); });
 }

@@ -53,6 +53,18 @@ const CRecordedDay& StopTimeDay() {
   return day;
 }
 
+/// An option is accepted while orders work: they are cancelled to make room for it.
+const CRecordedDay& RoomDay() {
+  static const CRecordedDay day(
+      std::string(kWorld) +
+      R"({"at": "10:00:20", "quote": "ND.O.TWF.TX.202403.C.18100", "price": 40, "open": 40}
+{"at": "10:00:21", "report": {"order": 1, "ExecType": 8}}
+{"report": {"order": 2, "ExecType": 8}}
+{"at": "10:00:30", "note": ""}
+)");
+  return day;
+}
+
 /// A day whose account goes before the batch.
 const CRecordedDay& NoAccountDay() {
   static const CRecordedDay day = [] {
@@ -308,6 +320,39 @@ TEST(EndChecker, SeesABuyAfterTheEnd) {
   CRecordedDay stopped(StopTimeDay());
   ExpectBroken("ends", stopped.Change("Wait Reset.", "Wait Reset.", "Stop.")
                            .Move("NewOrder. TYPE", "strReportID=R2, lExecType=8"));
+}
+
+TEST(EndChecker, SeesAnEndingAgainstItsFlags) {
+  ExpectBroken("ends", CRecordedDay(StopTimeDay()).Drop("DoCancelOrderOpen Done."));
+  ExpectBroken("ends", CRecordedDay(StopTimeDay()).Drop("DoClosePos. bByProfit=0"));
+  ExpectBroken(
+      "ends", CRecordedDay(StopTimeDay()).Change("New Intelligent Order : ", "\"Cancel\":1", "\"Cancel\":0"));
+  ExpectBroken(
+      "ends",
+      CRecordedDay(StopTimeDay()).Change("New Intelligent Order : ", "\"ClosePos\":1", "\"ClosePos\":0"));
+}
+
+TEST(ReportChecker, SeesAReportOfAnotherBatch) {
+  ExpectBroken("reports", CRecordedDay(LimitDay())
+                              .Change("strReportID=R2, lExecType=8", "strReportID=R2", "strReportID=R3")
+                              .Change("USERKEY2=OpenLottery_S1_1@100005000,USERKEY3=,PROCESSID", "@100005000",
+                                      "@100004000")
+                              .Change("SIDE=S", "@100005000", "@100004000"));
+}
+
+TEST(ProfitChecker, SeesAValueThatIsNotTold) {
+  ExpectBroken("profit", CRecordedDay(LimitDay())
+                             .Drop("UpdateStatus. "
+                                   "Status={\"StrategyType\":\"OpenLottery\",\"StrategyTag\":\"S1\","
+                                   "\"StrategyID\":\"S1\",\"StrategySN\":\"1\",\"MsgType\":\"Profit\"",
+                                   true));
+}
+
+TEST(StateChecker, SeesThatNoBatchFollowsWhenRoomIsMade) {
+  CRecordedDay day(RoomDay());
+  EXPECT_THAT(day.BrokenRules(), IsEmpty()) << day.Report();
+  day.Drop("DoPlaceOrder. m_lStatus=2").Drop("DoPlaceOrder. m_lStatus=2");
+  ExpectBroken("states", day);
 }
 
 TEST(StateChecker, SeesAStateToWhichNothingLeads) {

@@ -88,6 +88,7 @@ void ReadOrderInfo(const JsonNode& command, OrderInfo& info) {
   if (const JsonNode* const stop = BlockOf(command, "Stop")) {
     info.stopTime = WholeOf(*stop, "Time", INT64_MIN, INT64_MAX).value_or(kNone);
     info.stopCancels = IntOf(*stop, "Cancel", 0) == 1;
+    info.stopCloses = IntOf(*stop, "ClosePos", 0) == 1;
     ReadClose(*stop, "CloasPosInfo", info.closeType, info.closeTicks);
   }
   ReadClose(command, "CloasPosInfoByProfit", info.profitCloseType, info.profitCloseTicks);

@@ -30,6 +30,7 @@ struct OrderInfo {
   double priceValue = 0;  ///< the same as the double that it is read as
   int64_t stopTime = kNone;
   bool stopCancels = false;
+  bool stopCloses = false;
   std::string closeType = "MWP";
   int64_t closeTicks = 0;
   std::string profitCloseType = "MWP";

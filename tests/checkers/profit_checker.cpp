@@ -25,6 +25,7 @@ void CProfitChecker::OnStep(const TraceStep& step) {
   Course& course = m_courses[step.strategy];
   if (step.LineStarts("Reset. ")) {
     course.since.clear();
+    course.untold.clear();
   } else if (step.LineStarts("OnReportUpdate. ")) {
     const ToldReport report = ReadReport(step.line);
     if (report.filled > 0) course.since.try_emplace(report.symbol, step.at);
@@ -38,7 +39,7 @@ void CProfitChecker::OnStep(const TraceStep& step) {
 void CProfitChecker::CheckValue(const TraceStep& step) {
   const ToldValue value = ReadValue(step.line);
   Course& course = m_courses[step.strategy];
-  course.untold[value.symbol].push_back(value);
+  course.untold[value.symbol].push_back({value, step.at});
   if (m_positions.IsUnsure(step.strategy, step.at)) return;
   if (!value.IsOf(m_positions.Of(step.strategy)) && !value.IsOf(m_positions.BeforeOf(step.strategy)))
     Complain(step.at, "values what isn't held: " + step.line);
@@ -66,11 +67,12 @@ void CProfitChecker::CheckTotal(const TraceStep& step, const ToldValue& value) {
 /// none before.
 void CProfitChecker::CheckMessage(const TraceStep& step, const JsonNode& body) {
   const std::string symbol = TextOf(body, "Symbol");
-  std::vector<ToldValue>& untold = m_courses[step.strategy].untold[symbol];
+  std::vector<Untold>& untold = m_courses[step.strategy].untold[symbol];
   const double last = DecimalOf(body, "Last");
   const double told = DecimalOf(body, "PnL");
   const double weight = m_profits.WeightOf(symbol);
-  const auto fits = [&](const ToldValue& value) {
+  const auto fits = [&](const Untold& entry) {
+    const ToldValue& value = entry.value;
     const bool isLast = std::abs(static_cast<double>(value.last) / 1e10 - last) < 0.0101;
     return isLast && IsCutToHundredths(ProfitOf(value.last, value.average, value.lots, weight), told);
   };
@@ -86,6 +88,18 @@ void CProfitChecker::CheckMessage(const TraceStep& step, const JsonNode& body) {
 void CProfitChecker::OnMomentEnd(LocalTime at) {
   for (const JsonNode& message : m_totals) CheckTagTotal(at, message);
   m_totals.clear();
+  for (auto& [strategy, course] : m_courses) CheckUntold(at, strategy, course);
+}
+
+/// Every fifth of a second what has changed is told.
+void CProfitChecker::CheckUntold(LocalTime at, uint32_t strategy, Course& course) {
+  const KnownStrategy* const known = m_book.Find(strategy);
+  if (known != nullptr && known->goneAt) return;
+  for (auto& [symbol, untold] : course.untold) {
+    if (untold.empty() || at - untold.front().at <= std::chrono::seconds(1)) continue;
+    if (!m_positions.IsUnsure(strategy, at)) Complain(at, "a value isn't told: " + symbol);
+    untold.clear();
+  }
 }
 
 void CProfitChecker::CheckTagTotal(LocalTime at, const JsonNode& message) {

@@ -12,8 +12,8 @@ namespace iorder::testing {
 
 /// Profit as an independent valuation makes it: each value of a position is that of what is held, at its
 /// average, at a last price that the tape has shown since the day began and that it still shows or showed as
-/// the position was there; totals are their sums; "Profit" messages tell each changed value once, cut to
-/// hundredths, and "TotalProfit" the sums of a tag's strategies.
+/// the position was there; totals are their sums; "Profit" messages tell each changed value once, within a
+/// second, cut to hundredths, and "TotalProfit" the sums of a tag's strategies.
 class CProfitChecker : public CChecker {
  public:
   CProfitChecker(const CStrategyBook& book, const CPositionModel& positions, const CProfitModel& profits,
@@ -28,14 +28,19 @@ class CProfitChecker : public CChecker {
   void OnMomentEnd(LocalTime at) override;
 
  private:
+  struct Untold {
+    ToldValue value;
+    LocalTime at;
+  };
   struct Course {
-    std::map<std::string, std::vector<ToldValue>> untold;  ///< values that no message has told, by symbol
-    std::map<std::string, LocalTime> since;                ///< the first fill of a symbol's position
+    std::map<std::string, std::vector<Untold>> untold;  ///< values that no message has told, by symbol
+    std::map<std::string, LocalTime> since;             ///< the first fill of a symbol's position
   };
 
   void CheckValue(const TraceStep& step);
   void CheckTotal(const TraceStep& step, const ToldValue& value);
   void CheckMessage(const TraceStep& step, const JsonNode& body);
+  void CheckUntold(LocalTime at, uint32_t strategy, Course& course);
   void CheckTagTotal(LocalTime at, const JsonNode& message);
   bool FitsTag(const std::vector<std::vector<Totals>>& strategies, size_t index, const Totals& sum,
                const JsonNode& data) const;

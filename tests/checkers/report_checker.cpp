@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <charconv>
 #include <utility>
 
 #include "tests/checkers/position_model.h"
@@ -25,7 +26,11 @@ int64_t ResultOf(int64_t action, int64_t execType) {
 }  // namespace
 
 void CReportChecker::OnStep(const TraceStep& step) {
-  if (const JsonNode* const body = BodyOf(step, "Order")) {
+  if (step.IsCommand(kNewOrder)) {
+    m_userKeys.push_back(FieldText(step.text, "USERKEY2").value_or(""));
+  } else if (step.LineStarts("NewOrder") && FieldText(step.line, "SIDE") == "B") {
+    m_batches[step.strategy] = FieldText(step.line, "USERKEY2").value_or("");
+  } else if (const JsonNode* const body = BodyOf(step, "Order")) {
     const int64_t result = IntegerOf(*body, "Result");
     const int64_t action = IntegerOf(*body, "Action");
     const bool isPlain = body->Find("Date") == nullptr;
@@ -46,9 +51,20 @@ void CReportChecker::NoteAsked(const TraceStep& step, const std::string& report)
   if (std::exchange(m_tells[step.thread], false)) m_asked[step.strategy].try_emplace(report, step.at);
 }
 
+/// The n-th order that was sent has the reports "Rn".
+void CReportChecker::CheckBatch(const TraceStep& step, const std::string& report) {
+  size_t number = 0;
+  if (!report.starts_with('R')) return;
+  std::from_chars(report.data() + 1, report.data() + report.size(), number);
+  if (number == 0 || number > m_userKeys.size()) return;
+  if (m_userKeys[number - 1] != m_batches[step.strategy])
+    Complain(step.at, "a report of another batch is followed: " + step.line);
+}
+
 void CReportChecker::OnReport(const TraceStep& step) {
   if (step.thread != kBatchThread) Complain(step.at, "a report is handled on " + step.thread);
   const ToldReport report = ReadReport(step.line);
+  CheckBatch(step, report.report);
   const Result told = std::exchange(m_results[step.strategy], {});
   const int64_t expected = ResultOf(report.action, report.execType);
   if (!told.isTold || told.symbol != report.symbol || told.action != report.action || told.result != expected)

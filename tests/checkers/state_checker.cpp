@@ -100,6 +100,7 @@ void CStateChecker::OnBatch(const TraceStep& step, Course& course) {
     return;
   }
   if (step.LineStarts("DoPlaceOrder. m_lStatus")) {
+    course.lastBatch = step.at;
     Finish(step, course);
     if (course.makingRoom.erase(step.thread) != 0) Add(course, step, Access::Kind::kWrite, 6);
     Add(course, step, Access::Kind::kRead, StateOf(step));
@@ -148,9 +149,12 @@ void CStateChecker::OnCancels(const TraceStep& step, Course& course) {
 void CStateChecker::OnMomentEnd(LocalTime at) {
   for (auto& [number, course] : m_courses) {
     const KnownStrategy* const strategy = m_book.Find(number);
-    if (strategy != nullptr && strategy->goneAt) course.limits = 0;
+    if (strategy != nullptr && strategy->goneAt) {
+      course.limits = 0;
+      course.batchDue.reset();
+    }
     if (!course.accesses.empty() || course.isEnding || course.isStopping || course.limits > 0 ||
-        course.startsUntil)
+        course.batchDue || course.startsUntil)
       Settle(at, course);
   }
 }
@@ -222,6 +226,7 @@ void CStateChecker::Settle(LocalTime at, Course& course) {
                                access.line));
     latest[access.thread] = {access.state};
     if (access.completes) {
+      if (others.empty() && access.state == 6) course.batchDue = at;
       latest[access.thread] = others.empty() ? States{2} : States{2, access.state};
       writers.insert(access.thread);
     }
@@ -232,6 +237,12 @@ void CStateChecker::Settle(LocalTime at, Course& course) {
   if (course.limits > 0 && at > course.limitsUntil) {
     Complain(at, "a limit that was told doesn't close out");
     course.limits = 0;
+  }
+
+  if (course.batchDue && course.lastBatch >= *course.batchDue) course.batchDue.reset();
+  if (course.batchDue && at > *course.batchDue + kLongestWait) {
+    Complain(at, "all cancels are confirmed, and no batch follows");
+    course.batchDue.reset();
   }
 
   States next;

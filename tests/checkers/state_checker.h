@@ -56,10 +56,12 @@ class CStateChecker : public CChecker {
     bool isLimited = false;                ///< a limit is being carried out
     bool isEnding = false;                 ///< the stop time is being carried out
     std::string endingThread;
-    int64_t limits = 0;                ///< that it was told of and that haven't shown
-    LocalTime limitsUntil;             ///< when they must have
-    std::set<std::string> makingRoom;  ///< threads in DoCancelOrderOpen that haven't set 6
-    int64_t placed = -1;               ///< orders of the batch that is being built; -1: none is
+    int64_t limits = 0;                 ///< that it was told of and that haven't shown
+    LocalTime limitsUntil;              ///< when they must have
+    std::optional<LocalTime> batchDue;  ///< all cancels are confirmed, and since then a batch is due
+    LocalTime lastBatch;                ///< the last one was begun, or tried to be
+    std::set<std::string> makingRoom;   ///< threads in DoCancelOrderOpen that haven't set 6
+    int64_t placed = -1;                ///< orders of the batch that is being built; -1: none is
   };
 
   void OnLine(const TraceStep& step, Course& course);

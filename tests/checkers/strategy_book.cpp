@@ -11,6 +11,7 @@ namespace {
 constexpr std::string_view kTakenUp = "<CIntelligentOrder>New Intelligent Order : ";
 constexpr std::string_view kStarted = "<CIntelligentOrder>[OpenLottery] Start. ";
 constexpr std::string_view kRunBegins = "TimeStamp=";
+constexpr int32_t kStop = 0;
 constexpr int32_t kDelete = 2;
 constexpr int32_t kLastKnownAction = 3;
 
@@ -54,8 +55,22 @@ void CStrategyBook::OnCommand(const std::string& text, LocalTime at) {
   }
   if (TextOf(m_command, "StrategyType") != "OpenLottery") return;
   const int32_t action = ActionOf(m_command);
+  if (action == kStop) Stop(m_command, at);
   if (action == kDelete) Delete(KeyOf(m_command), at);
   m_commandGoesOn = action < 0 || action > kLastKnownAction;
+}
+
+/// A second stop may find the first one's work not yet done.
+void CStrategyBook::Stop(const JsonNode& command, LocalTime at) {
+  for (auto& [number, strategy] : m_strategies) {
+    if (strategy.goneAt || strategy.info.key != KeyOf(command)) continue;
+    strategy.stopIsUnclear = at - strategy.stoppedAt <= kLongestWait;
+    strategy.stoppedAt = at;
+    const JsonNode* const flags = command.Find("ManuStop");
+    if (flags == nullptr || !flags->IsObject()) continue;
+    strategy.stopCancels = WholeOf(*flags, "Cancel", INT32_MIN, INT32_MAX).value_or(0) == 1;
+    strategy.stopCloses = WholeOf(*flags, "ClosePos", INT32_MIN, INT32_MAX).value_or(0) == 1;
+  }
 }
 
 /// A key that nobody has means the strategy that was started last.

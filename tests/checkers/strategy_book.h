@@ -14,7 +14,11 @@ namespace iorder::testing {
 struct KnownStrategy {
   uint32_t number = 0;
   OrderInfo info;
-  std::string run;                  ///< the stamp of its run; empty before the first reset
+  std::string run;           ///< the stamp of its run; empty before the first reset
+  bool stopCancels = false;  ///< by the last stop command that said so
+  bool stopCloses = false;
+  LocalTime stoppedAt;              ///< by the last stop command
+  bool stopIsUnclear = false;       ///< two came so soon that the flags of either may count
   LocalTime changedAt;              ///< a later command gave it another order info
   std::optional<LocalTime> goneAt;  ///< the engine was asked to drop it
 };
@@ -35,6 +39,7 @@ class CStrategyBook {
 
  private:
   void OnCommand(const std::string& text, LocalTime at);
+  void Stop(const JsonNode& command, LocalTime at);
   void Delete(const std::string& key, LocalTime at);
 
   std::map<uint32_t, KnownStrategy> m_strategies;
