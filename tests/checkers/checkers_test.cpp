@@ -2,6 +2,7 @@
 
 #include "terminal/input_error.h"
 #include "tests/checkers/recorded_day.h"
+#include "tests/checkers/valuation.h"
 
 /// Each checker is shown a real trace with one thing falsified, and must see it. What it sees in the trace as
 /// it was is nothing.
@@ -374,6 +375,21 @@ TEST(StateChecker, SeesAStateToWhichNothingLeads) {
   ExpectBroken(
       "states",
       CRecordedDay(StopTimeDay()).Change("strReportID=R1, lExecType=8", "m_lStatus=-1", "m_lStatus=6"));
+}
+
+TEST(Valuation, KnowsTheRoundingsOfMessages) {
+  const Money profit = ProfitOf(30'000'000'000, 25'000'000'000, 3, 50.0);
+  EXPECT_EQ(75.0L, profit.exact);
+  EXPECT_TRUE(IsCutToHundredths(profit, 75.0));
+  EXPECT_TRUE(IsCutToHundredths(profit, 74.99));  // the terms of 5e-12 may lead below it
+  EXPECT_FALSE(IsCutToHundredths(profit, 75.01));
+  EXPECT_TRUE(IsCutToHundredths({.exact = -1.239L}, -1.23));
+  EXPECT_FALSE(IsCutToHundredths({.exact = -1.239L}, -1.24));
+  EXPECT_TRUE(IsToldAsTotal({.exact = 1.239L}, 1.23));
+  EXPECT_TRUE(IsToldAsTotal({.exact = 1.2396L}, 1.24));
+  EXPECT_TRUE(IsCutToWhole({.exact = 99.9L}, 99));
+  EXPECT_FALSE(IsCutToWhole({.exact = 99.9L}, 100));
+  EXPECT_TRUE(IsCutToHundredths({.exact = 1e9L}, -922337203.68));
 }
 
 TEST(Checkers, LeaveOutTheRulesThatADaySays) {

@@ -92,7 +92,8 @@ const KnownStrategy* CStrategyBook::Find(uint32_t number) const {
 const KnownStrategy* CStrategyBook::FindKey(const std::string& key) const {
   const KnownStrategy* last = nullptr;
   for (const auto& [number, strategy] : m_strategies) {
-    if (strategy.info.key == key) last = &strategy;
+    const bool isBetter = last == nullptr || last->goneAt || !strategy.goneAt;
+    if (strategy.info.key == key && isBetter) last = &strategy;
   }
   return last;
 }

