@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include "platform/runtime.h"
 #include "platform/thread_annotations.h"
@@ -14,6 +15,7 @@ class IORDER_CAPABILITY("critical section") CCriticalSection {
  public:
   /// `name` as in IRuntime::CreateLock; it must outlive the object (a literal).
   CCriticalSection(IRuntime& runtime, const char* name) : m_lock(runtime.CreateLock(name)) {}
+  explicit CCriticalSection(std::unique_ptr<ILock> lock) : m_lock(std::move(lock)) {}
   CCriticalSection(const CCriticalSection&) = delete;
   CCriticalSection& operator=(const CCriticalSection&) = delete;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,10 @@ class IWorldRuntime : public IRuntime {
   virtual std::vector<std::string> Run(const std::function<void()>& main) = 0;
 
   virtual DateTime ToUtc(TimePoint time) = 0;
+
+  /// A lock for what only watches. In virtual time entering it gives no other thread a turn, so that a run is
+  /// the same whoever watches it; who holds it must not block.
+  virtual std::unique_ptr<ILock> CreateWatcherLock(const char* name) = 0;
 
   /// Sleeps until `time`; a time that has passed returns at once. In virtual time a call that nothing else
   /// comes before costs no switch of threads.

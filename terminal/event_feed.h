@@ -11,10 +11,12 @@
 namespace iorder {
 
 /// Hands every event to the listeners, one at a time, with its time and thread. Any thread may tell; the lock
-/// is held while the listeners hear, so that all hear the same order.
+/// is held while the listeners hear, so that all hear the same order. Whether anybody listens, and to what,
+/// changes nothing in a run in virtual time.
 class CEventFeed : public IBusObserver {
  public:
-  explicit CEventFeed(IWorldRuntime& runtime) : m_runtime(runtime), m_section(runtime, "trace") {}
+  explicit CEventFeed(IWorldRuntime& runtime)
+      : m_runtime(runtime), m_section(runtime.CreateWatcherLock("trace")) {}
 
   /// Before the day begins; the listener outlives the terminal.
   void Add(ITerminalListener& listener);

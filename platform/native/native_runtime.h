@@ -38,6 +38,7 @@ class CNativeRuntime final : public IWorldRuntime {
   std::unique_ptr<IEvent> CreateEvent(EventReset reset, bool signalled) override;
   std::unique_ptr<IWaitableTimer> CreateWaitableTimer(std::wstring name) override;
   std::unique_ptr<ILock> CreateLock(const char* name) override;
+  std::unique_ptr<ILock> CreateWatcherLock(const char* name) override { return CreateLock(name); }
 
   std::optional<size_t> Wait(std::span<IWaitable* const> what, std::optional<Milliseconds> limit) override;
   ThreadMessage GetMessage() override;

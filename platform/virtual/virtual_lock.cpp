@@ -9,8 +9,8 @@
 
 namespace iorder {
 
-CVirtualLock::CVirtualLock(CScheduler& scheduler, const char* name)
-    : m_scheduler(scheduler), m_name(name), m_role(scheduler.LockOrder().RoleOf(name)) {}
+CVirtualLock::CVirtualLock(CScheduler& scheduler, const char* name, Turn turn)
+    : m_scheduler(scheduler), m_name(name), m_role(scheduler.LockOrder().RoleOf(name)), m_turn(turn) {}
 
 CVirtualLock::~CVirtualLock() {
   while (m_firstWaiter != nullptr) RemoveWaiter(*m_firstWaiter);
@@ -24,7 +24,7 @@ void CVirtualLock::Enter() {
     return;
   }
   self.CheckCutOff();
-  m_scheduler.MayYield();
+  if (m_turn == Turn::kGiven) m_scheduler.MayYield();
   if (!self.m_heldLocks.empty()) m_scheduler.NoteLockOrder(self, m_role);
   if (m_owner == nullptr) {
     SetOwner(self);

@@ -14,7 +14,10 @@ class CVirtualThread;
 /// A lock of the virtual runtime. Who finds it taken waits in line and is handed it.
 class CVirtualLock final : public ILock {
  public:
-  CVirtualLock(CScheduler& scheduler, const char* name);
+  /// Whether entering may give another thread its turn.
+  enum class Turn { kGiven, kKept };
+
+  CVirtualLock(CScheduler& scheduler, const char* name, Turn turn = Turn::kGiven);
   ~CVirtualLock() override;
 
   void Enter() override;
@@ -33,6 +36,7 @@ class CVirtualLock final : public ILock {
   CScheduler& m_scheduler;
   const std::string_view m_name;
   const CLockOrder::Role m_role;
+  const Turn m_turn;
   CVirtualThread* m_owner = nullptr;
   int m_depth = 0;
   CVirtualThread* m_firstWaiter = nullptr;

@@ -43,6 +43,10 @@ std::unique_ptr<ILock> CVirtualRuntime::CreateLock(const char* name) {
   return std::make_unique<CVirtualLock>(m_scheduler, name);
 }
 
+std::unique_ptr<ILock> CVirtualRuntime::CreateWatcherLock(const char* name) {
+  return std::make_unique<CVirtualLock>(m_scheduler, name, CVirtualLock::Turn::kKept);
+}
+
 std::optional<size_t> CVirtualRuntime::Wait(std::span<IWaitable* const> what,
                                             std::optional<Milliseconds> limit) {
   const VirtualSignals signals(what);

@@ -177,6 +177,31 @@ TEST_F(Replay, PacksTheTraceByItsName) {
   EXPECT_EQ(m_folder.RunShell("gzip -dc t.log.gz").output, m_folder.Read("t.log"));
 }
 
+/// Without the events that the terminal does to the engine.
+std::string WithoutInputs(const std::string& trace) {
+  std::string events;
+  for (const std::string& line : Lines(trace)) {
+    rapidjson::Document event;
+    event.Parse(line);
+    const std::string kind = event["event"].GetString();
+    const bool isInput =
+        kind == "message" || kind == "phase" || kind == "update" || kind == "replace" || kind == "query";
+    if (!isInput) events += line + '\n';
+  }
+  return events;
+}
+
+TEST_F(Replay, WatchingMoreOfARunDoesNotChangeIt) {
+  MakeDay();
+  for (const char* const seed : {"0", "7", "42"}) {
+    const std::string arguments = std::string(kDay) + " --seed " + seed + " --command " + kExamples +
+                                  "/commands/immediate-start.json@09:30 --trace ";
+    Output(arguments + "few.jsonl");
+    Output(arguments + "all.jsonl --inputs --csv tables");
+    EXPECT_EQ(WithoutInputs(m_folder.Read("all.jsonl")), m_folder.Read("few.jsonl")) << "seed " << seed;
+  }
+}
+
 TEST_F(Replay, TheSameDayAndSeedGiveTheSameTraceByteForByte) {
   MakeDay("--ticks 5000");
   for (const char* const seed : {"0", "42"}) {
