@@ -1,6 +1,7 @@
 #include "app/position_reader.h"
 
 #include "app/text_fields.h"
+#include "records/int128.h"
 #include "records/json_document.h"
 
 namespace iorder {
@@ -8,10 +9,9 @@ namespace {
 
 /// What the fills between two averages cost on average, to six places: the averages themselves are cut.
 ScaledValue PriceBetween(int64_t lotsBefore, ScaledValue averageBefore, int64_t lots, ScaledValue average) {
-  __extension__ using Wide = __int128;
-  constexpr Wide kStep = 10'000;
-  const Wide sum = static_cast<Wide>(average) * lots - static_cast<Wide>(averageBefore) * lotsBefore;
-  const Wide price = sum / (lots - lotsBefore);
+  constexpr Int128 kStep = 10'000;
+  const Int128 sum = Int128{average} * lots - Int128{averageBefore} * lotsBefore;
+  const Int128 price = sum / (lots - lotsBefore);
   return static_cast<ScaledValue>((price + kStep / 2) / kStep * kStep);
 }
 

@@ -122,7 +122,7 @@ int32_t CTradingCalendar::CountTradingDays(const std::wstring& symbol, TimePoint
   for (TimePoint time = start;; time += kDay) {
     const int64_t date = ToDate8(runtime.ToLocal(time));
     if (date > endDate) return count;
-    if (!IsHoliday(std::to_wstring(date), symbol, &holiday)) ++count;
+    if (!IsHoliday(ToDecimal(date), symbol, &holiday)) ++count;
   }
 }
 

@@ -71,8 +71,7 @@ void CStrategyOpenLottery::CancelOpenOrder(const std::wstring& reportID, int32_t
   const std::wstring symbol = SymbolOfReport(reportID);
   if (bStop == 1) {
     CStatusMessage message(*Identity(), "Order");
-    message.Text("Stamp", StampText())
-        .Text("Symbol", symbol)
+    message.About(StampText(), symbol)
         .Moment("Date", "Time", LocalDateTime14())
         .Integer("Result", order_result::kAnnounced)
         .Integer("Action", order_action::kCancel);
@@ -129,8 +128,7 @@ int32_t CStrategyOpenLottery::DoClosePos(int32_t bByProfit) {
 void CStrategyOpenLottery::AnnounceClose(const std::wstring& symbol, const std::wstring& type, int32_t lots,
                                          int32_t result) {
   CStatusMessage message(*Identity(), "Order");
-  message.Text("Stamp", StampText())
-      .Text("Symbol", symbol)
+  message.About(StampText(), symbol)
       .Moment("Date", "Time", LocalDateTime14())
       .Text("OrderPrice", type)
       .Integer("Qty", lots)

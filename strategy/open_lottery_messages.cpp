@@ -18,18 +18,14 @@ void CStrategyOpenLottery::UpdateStatus(const std::wstring& text, int32_t bLog) 
 
 void CStrategyOpenLottery::PublishOrderResult(const std::wstring& symbol, int32_t lResult, int32_t lAction) {
   CStatusMessage message(*Identity(), "Order");
-  message.Text("Stamp", StampText())
-      .Text("Symbol", symbol)
-      .Integer("Result", lResult)
-      .Integer("Action", lAction);
+  message.About(StampText(), symbol).Integer("Result", lResult).Integer("Action", lAction);
   UpdateStatus(message.Finish(), 1);
 }
 
 void CStrategyOpenLottery::PublishScanResult(const std::wstring& symbol, ScaledValue openPrice,
                                              int32_t openPriceOK) {
   CStatusMessage message(*Identity(), "Scanner");
-  message.Text("Stamp", StampText())
-      .Text("Symbol", symbol)
+  message.About(StampText(), symbol)
       .Moment("Date", "Time", LocalDateTime14())
       .Number("OpenPrice", FromScaled(openPrice))
       .Integer("OpenPriceOK", openPriceOK);

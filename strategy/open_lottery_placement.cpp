@@ -145,8 +145,7 @@ int32_t CStrategyOpenLottery::PlaceLots(const std::vector<CBatchSymbol>& symbols
 bool CStrategyOpenLottery::NewOrderOpen(const std::wstring& symbol, ScaledValue price, int32_t lots) {
   const int64_t now = LocalDateTime14();
   const auto describe = [&](CStatusMessage& message) -> CStatusMessage& {
-    return message.Text("Stamp", StampText())
-        .Text("Symbol", symbol)
+    return message.About(StampText(), symbol)
         .Moment("Date", "Time", now)
         .Number("OrderPrice", FromScaled(price))
         .Integer("Qty", lots);

@@ -83,8 +83,7 @@ void CStrategyOpenLottery::LogCalOrderPrice(const COpenLotteryInfo& info, const 
 void CStrategyOpenLottery::PublishCalOrderPrice(const COpenLotteryInfo& info, const COrderPricing& pricing) {
   const bool inPoints = info.m_dbUnderlyingChange != NoPrice;
   CStatusMessage message(*Identity(), "Scanner");
-  message.Text("Stamp", StampText())
-      .Text("Symbol", pricing.strSymbol)
+  message.About(StampText(), pricing.strSymbol)
       .Text("UnderlyingSymbol", pricing.strUnderlying)
       .Number("TheoryPrice", pricing.dbTheoryPrice)
       .Text("PriceType", info.m_strPriceType)

@@ -87,8 +87,7 @@ void CStrategyOpenLottery::PublishProfit() {
       if (!position.bDirty) continue;
       position.bDirty = false;
       CStatusMessage message(*Identity(), "Profit", kMoneyDecimals);
-      message.Text("Stamp", StampText())
-          .Text("Symbol", symbol)
+      message.About(StampText(), symbol)
           .Number("Last", FromScaled(position.llPrice))
           .Number("PnL", CutToScale(position.dbProfit));
       UpdateStatus(message.Finish(), 1);

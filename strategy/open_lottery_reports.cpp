@@ -124,7 +124,7 @@ void CStrategyOpenLottery::UpdatePosition(const COrderReport& report, int32_t ac
   }
 
   CStatusMessage message(*Identity(), "Report");
-  message.Text("Stamp", StampText()).Text("Symbol", report.strSymbol).Moment("UpdateDate", "UpdateTime", now);
+  message.About(StampText(), report.strSymbol).Moment("UpdateDate", "UpdateTime", now);
   if (action == order_action::kOpen) TellOpenOrder(report, message);
   if (folds) TellClosed(closed, message);
   if (action == order_action::kCancel) message.Integer("LeavesQty", report.lLeavesQty);

@@ -1,5 +1,7 @@
 #include "strategy/pos_info.h"
 
+#include "records/int128.h"
+
 namespace iorder {
 
 namespace {
@@ -9,8 +11,7 @@ namespace {
 ScaledValue AverageWith(ScaledValue average, int64_t quantity, ScaledValue price, int64_t added,
                         int64_t total) {
   if (total == 0) return average;
-  __extension__ using Wide = __int128;
-  const Wide sum = static_cast<Wide>(average) * quantity + static_cast<Wide>(price) * added;
+  const Int128 sum = Int128{average} * quantity + Int128{price} * added;
   // What was sold without a price has none on average either, where 64 bits can't tell.
   const bool lacksPrice = price == NoValue || (average == NoValue && quantity != 0);
   if (lacksPrice && sum != static_cast<int64_t>(sum)) return NoValue;

@@ -23,6 +23,10 @@ class CStatusMessage {
   /// The message of all strategies of a tag: its envelope names no single one.
   CStatusMessage(const char* messageType, const std::wstring& tag, int decimals);
 
+  /// What a body begins with: the stamp of the run, and a symbol.
+  CStatusMessage& About(std::wstring_view stamp, std::wstring_view symbol) {
+    return Text("Stamp", stamp).Text("Symbol", symbol);
+  }
   CStatusMessage& Text(const char* key, std::wstring_view value);
   CStatusMessage& Integer(const char* key, int64_t value);
   /// NoPrice is written like any other number, one that isn't finite as null.

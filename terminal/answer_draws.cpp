@@ -1,7 +1,7 @@
 #include "terminal/answer_draws.h"
 
 #include "platform/random.h"
-#include "terminal/int128.h"
+#include "records/int128.h"
 
 namespace iorder {
 

@@ -5,10 +5,6 @@
 namespace iorder {
 namespace {
 
-bool Works(int32_t execType) {
-  return execType == exec_type::kWorking || execType == exec_type::kPartlyFilled;
-}
-
 /// The limit that the market is to keep: NoValue for an order at the market, none if the words reckon from a
 /// price that nobody knows.
 std::optional<ScaledValue> LimitOf(const OrderRequest& request, const COrderBook& book,
@@ -158,7 +154,7 @@ void CAutomaticOrders::ArriveCancel(const std::wstring& reportId) {
   {
     CLockGuard guard(m_section);
     const auto found = m_orders.find(OrderOfReport(reportId));
-    if (found == m_orders.end() || !Works(found->second.report.execType)) return;
+    if (found == m_orders.end() || !exec_type::IsWorking(found->second.report.execType)) return;
     found->second.book->Cancel(found->first);
     CancelLocked(found->second, m_runtime.Now(), times);
   }

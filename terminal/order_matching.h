@@ -4,8 +4,8 @@
 #include <limits>
 #include <optional>
 
+#include "records/int128.h"
 #include "records/scaled_value.h"
-#include "terminal/int128.h"
 #include "terminal/order_rules.h"
 #include "terminal/quote_update.h"
 

@@ -42,7 +42,7 @@ void FireReport(CEmbeddedBus& bus, int32_t node, const ReportFields& fields,
     change.fields.push_back({name, value});
   }
   bus.ApplyToNode(kOrderSet, node, change);
-  bus.Fire(kOrderSet, {false, std::nullopt, payload.value_or(L"BN" + std::to_wstring(node) + L"=[]")});
+  bus.Fire(kOrderSet, {false, std::nullopt, payload.value_or(L"BN" + ToDecimal(node) + L"=[]")});
 }
 
 }  // namespace iorder

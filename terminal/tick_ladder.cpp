@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "records/int128.h"
 #include "records/number_text.h"
-#include "terminal/int128.h"
 
 namespace iorder {
 namespace {

@@ -8,7 +8,6 @@
 namespace iorder::testing {
 namespace {
 
-constexpr std::string_view kAttribute = "<CIntelligentOrder>GetStringFromSecurity. ";
 constexpr std::string_view kNewSymbols = "DoPlaceOrder. arSymbol.GetCount()";
 constexpr std::string_view kScanned = "DoPlaceOrder. m_arScannedSymbolCall";
 constexpr std::string_view kWorkedOut = "GetCalOrderPrice(c). ";
@@ -75,14 +74,8 @@ std::pair<std::vector<int64_t>, int64_t> Spread(const std::vector<double>& price
 }  // namespace
 
 void CBatchChecker::OnStep(const TraceStep& step) {
-  if (step.IsLog() && step.text.starts_with(kAttribute)) {
-    const std::string key = FieldText(step.text, "strMapKey").value_or("");
-    if (!key.ends_with(":Weight")) return;
-    const std::string text = FieldText(step.text, "strResult").value_or("");
-    int64_t weight = text.empty() ? 1 : 0;
-    std::from_chars(text.data(), text.data() + text.size(), weight);
-    m_weights[key.substr(0, key.rfind(':'))] = static_cast<double>(weight);
-  }
+  if (const auto attribute = ReadAttribute(step); attribute && attribute->name == "Weight")
+    m_weights[attribute->symbol] = attribute->AsWeight();
   if (step.IsCommand(kNewOrder)) {
     if (const KnownStrategy* const strategy = m_book.Find(std::exchange(m_sending[step.thread], 0)))
       CheckStamp(step, *strategy);

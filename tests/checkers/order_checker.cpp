@@ -11,7 +11,6 @@ namespace {
 constexpr std::string_view kSent = "NewOrder. ";
 constexpr std::string_view kCancelled = "CancelOrder. ";
 constexpr std::string_view kWorkedOut = "GetCalOrderPrice(c). ";
-constexpr std::string_view kAttribute = "<CIntelligentOrder>GetStringFromSecurity. ";
 constexpr int64_t kMostLots = 100;
 
 bool IsNumber(const std::string& text) {
@@ -60,10 +59,8 @@ std::string SaleText(const std::string& type, int64_t ticks) {
 }  // namespace
 
 void COrderChecker::OnStep(const TraceStep& step) {
-  if (step.IsLog() && step.text.starts_with(kAttribute)) {
-    const std::string key = FieldText(step.text, "strMapKey").value_or("");
-    if (key.ends_with(":TickSize"))
-      m_ticks[key.substr(0, key.rfind(':'))] = FieldText(step.text, "strResult").value_or("");
+  if (const auto attribute = ReadAttribute(step)) {
+    if (attribute->name == "TickSize") m_ticks[attribute->symbol] = attribute->value;
   } else if (step.LineStarts(kWorkedOut)) {
     m_worked[{step.strategy, FieldText(step.line, "Symbol").value_or("")}] =
         ScaledOf(FieldDecimal(step.line, "dbOrderPrice"));

@@ -1,14 +1,6 @@
 #include "tests/checkers/profit_model.h"
 
-#include <charconv>
-
 namespace iorder::testing {
-namespace {
-
-constexpr std::string_view kAttribute = "<CIntelligentOrder>GetStringFromSecurity. ";
-
-}  // namespace
-
 ToldValue ReadValue(const std::string& line) {
   ToldValue value;
   value.symbol = FieldText(line, "strSymbol").value_or("");
@@ -26,13 +18,8 @@ bool ToldValue::IsOf(const CPositionModel::Positions& positions) const {
 }
 
 void CProfitModel::OnStep(const TraceStep& step) {
-  if (step.IsLog() && step.text.starts_with(kAttribute)) {
-    const std::string key = FieldText(step.text, "strMapKey").value_or("");
-    if (!key.ends_with(":Weight")) return;
-    const std::string text = FieldText(step.text, "strResult").value_or("");
-    int64_t weight = text.empty() ? 1 : 0;
-    std::from_chars(text.data(), text.data() + text.size(), weight);
-    m_weights[key.substr(0, key.rfind(':'))] = static_cast<double>(weight);
+  if (const auto attribute = ReadAttribute(step)) {
+    if (attribute->name == "Weight") m_weights[attribute->symbol] = attribute->AsWeight();
   } else if (step.LineStarts("Reset. ")) {
     Book& book = m_books[step.strategy];
     book.profits.clear();

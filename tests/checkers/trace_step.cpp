@@ -8,6 +8,7 @@ namespace iorder::testing {
 namespace {
 
 constexpr std::string_view kStrategyPrefix = "[OpenLottery]<";
+constexpr std::string_view kAttribute = "<CIntelligentOrder>GetStringFromSecurity. ";
 constexpr std::string_view kAnnounced = "UpdateStatus. Status=";
 
 uint32_t HexNumber(std::string_view text) {
@@ -88,6 +89,21 @@ double FieldDecimal(std::string_view line, std::string_view name) {
   double number = 0;
   std::from_chars(text.data(), text.data() + text.size(), number);
   return number;
+}
+
+double ToldAttribute::AsWeight() const {
+  int64_t weight = value.empty() ? 1 : 0;
+  std::from_chars(value.data(), value.data() + value.size(), weight);
+  return static_cast<double>(weight);
+}
+
+std::optional<ToldAttribute> ReadAttribute(const TraceStep& step) {
+  if (!step.IsLog() || !step.text.starts_with(kAttribute)) return std::nullopt;
+  const std::string key = FieldText(step.text, "strMapKey").value_or("");
+  const size_t colon = key.rfind(':');
+  if (colon == std::string::npos) return std::nullopt;
+  return ToldAttribute{key.substr(0, colon), key.substr(colon + 1),
+                       FieldText(step.text, "strResult").value_or("")};
 }
 
 int64_t IntegerOf(const JsonNode& object, std::string_view name) {

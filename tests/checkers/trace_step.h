@@ -55,6 +55,18 @@ int64_t FieldInteger(std::string_view line, std::string_view name);
 /// The same as a decimal; 0 if it isn't there.
 double FieldDecimal(std::string_view line, std::string_view name);
 
+/// What a line says that an attribute of a symbol is ("Weight", "TickSize").
+struct ToldAttribute {
+  std::string symbol;
+  std::string name;
+  std::string value;
+
+  /// The leading whole number; 1 for an empty text, 0 for one that is no number.
+  double AsWeight() const;
+};
+/// None for any other line.
+std::optional<ToldAttribute> ReadAttribute(const TraceStep& step);
+
 /// The integer or text of a member of an object; 0 and "" if there is none.
 int64_t IntegerOf(const JsonNode& object, std::string_view name);
 double DecimalOf(const JsonNode& object, std::string_view name);

@@ -50,7 +50,26 @@ class PositionProfit : public ReferenceTest {
   static double Profit(CStrategyOpenLottery& strategy) { return strategy.GetDoubleValue(L"PnL", -7); }
   static double Cost(CStrategyOpenLottery& strategy) { return strategy.GetDoubleValue(L"Cost", -7); }
 
+  /// Notes an event. With the first one a quote comes on another thread, which gets its turn at once; its
+  /// valuation is noted too.
+  void NoteAndQuote(CStrategyOpenLottery& strategy, const char* event, ScaledValue price) {
+    m_events.emplace_back(event);
+    if (m_quotes != nullptr) return;
+    m_quotes = m_runtime.CreateThread(L"quotes", [this, &strategy, price] {
+      Quote(strategy, kOther, price);
+      m_events.emplace_back("valued");
+    });
+    m_quotes->Resume();
+    m_runtime.Sleep(Milliseconds(1));
+  }
+  void AwaitQuote() {
+    ASSERT_NE(m_quotes, nullptr);
+    m_runtime.Wait(*m_quotes, std::nullopt);
+  }
+
   CRecordingEngine m_engine{m_host};
+  std::vector<std::string> m_events;
+  std::shared_ptr<IThread> m_quotes;
 };
 
 TEST_F(PositionProfit, AWeightThatIsNotUsableCountsAsOneAndIsLookedUpAgain) {
@@ -72,24 +91,13 @@ TEST_F(PositionProfit, AQuoteIsValuedOnlyAfterTheWholeCloseOutHasLeft) {
   WithStrategy([this](CStrategyOpenLottery& strategy) {
     Buy(strategy, kOption, 2, 10 * kOne);
     Buy(strategy, kOther, 3, 10 * kOne);
-    std::vector<std::string> events;
-    std::shared_ptr<IThread> quotes;
     m_engine.onLog = [&](const std::wstring& text) {
-      if (text.find(L"NewOrder Fail.") == std::wstring::npos) return;
-      events.emplace_back("order");
-      if (quotes != nullptr) return;
-      quotes = m_runtime.CreateThread(L"quotes", [&] {
-        Quote(strategy, kOther, 11 * kOne);
-        events.emplace_back("valued");
-      });
-      quotes->Resume();
-      m_runtime.Sleep(Milliseconds(1));
+      if (text.find(L"NewOrder Fail.") != std::wstring::npos) NoteAndQuote(strategy, "order", 11 * kOne);
     };
     strategy.OnStrategyEvent(lottery_event::kLimitReached, 0);
     m_engine.onLog = nullptr;
-    ASSERT_NE(quotes, nullptr);
-    m_runtime.Wait(*quotes, std::nullopt);
-    EXPECT_THAT(events, ElementsAre("order", "order", "valued"));
+    AwaitQuote();
+    EXPECT_THAT(m_events, ElementsAre("order", "order", "valued"));
   });
 }
 
@@ -99,25 +107,14 @@ TEST_F(PositionProfit, AQuoteIsValuedOnlyAfterTheProfitOfAllPositionsIsTold) {
     Buy(strategy, kOther, 3, 10 * kOne);
     Quote(strategy, kOption, 11 * kOne);
     Quote(strategy, kOther, 11 * kOne);
-    std::vector<std::string> events;
-    std::shared_ptr<IThread> quotes;
     m_host.answer = [&](const Request& request, AnswerDocument*) {
-      if (request.topic != L"API_MSG.NewStrategyOrder") return Value();
-      events.emplace_back("told");
-      if (quotes != nullptr) return Value();
-      quotes = m_runtime.CreateThread(L"quotes", [&] {
-        Quote(strategy, kOther, 12 * kOne);
-        events.emplace_back("valued");
-      });
-      quotes->Resume();
-      m_runtime.Sleep(Milliseconds(1));
+      if (request.topic == L"API_MSG.NewStrategyOrder") NoteAndQuote(strategy, "told", 12 * kOne);
       return Value();
     };
     strategy.PublishProfit();
     m_host.answer = nullptr;
-    ASSERT_NE(quotes, nullptr);
-    m_runtime.Wait(*quotes, std::nullopt);
-    EXPECT_THAT(events, ElementsAre("told", "told", "valued"));
+    AwaitQuote();
+    EXPECT_THAT(m_events, ElementsAre("told", "told", "valued"));
   });
 }
 

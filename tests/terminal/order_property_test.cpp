@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <map>
 
+#include "records/int128.h"
 #include "records/number_text.h"
-#include "terminal/int128.h"
 #include "tests/terminal/drawn_order_day.h"
 #include "tests/terminal/terminal_fixture.h"
 
