@@ -93,7 +93,7 @@ void CIntelligentOrder::OrderWatchThread() {
   CProfitPublisher publisher(*this, m_strategies);
   while (!m_world.runtime.Wait(*m_hStopEvent, kWatchPeriod)) {
     Guarded([&] {
-      PassPendingOrders();
+      m_groupOrders.PassPendingOrders();
       publisher.Run();
     });
   }

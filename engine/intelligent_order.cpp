@@ -46,6 +46,7 @@ CIntelligentOrder::CIntelligentOrder(World& world)
       m_quoteQueue(world.runtime),
       m_accounts(world.runtime),
       m_limits(world.runtime),
+      m_groupOrders(*this),
       m_timer(world.runtime,
               [this](const std::wstring& text) { m_events.ReportFault(kNoThreadFault, text); }) {}
 
@@ -64,6 +65,7 @@ CIntelligentOrder::~CIntelligentOrder() {
   }
   m_timer.EndAll();
   m_strategies.DeleteAll();
+  m_groupOrders.CloseChildren();
   m_pSystemTime.Close();
   m_pAccounts.Close();
   m_pExtendOrderSetup.Close();
@@ -140,7 +142,7 @@ void CIntelligentOrder::OnTopicMessage(const std::wstring& topic, int32_t, int32
     PostText(&CIntelligentOrder::m_hCmdThread, engine_message::kCommand, text,
              static_cast<uintptr_t>(second));
   } else if (topic == kHotMonthTopic || topic == kChildTopic) {
-    if (const int32_t* handle = std::get_if<int32_t>(&value)) RegisterChildOrder(*handle);
+    if (const int32_t* handle = std::get_if<int32_t>(&value)) m_groupOrders.RegisterChildOrder(*handle);
   }
 }
 

@@ -12,6 +12,8 @@
 #include "engine/pnl_settings.h"
 #include "engine/strategy_registry.h"
 #include "engine/timer.h"
+#include "grouporder/group_order_host.h"
+#include "grouporder/group_orders.h"
 #include "platform/host_events.h"
 #include "platform/symbol_database.h"
 #include "platform/world.h"
@@ -42,6 +44,7 @@ class CIntelligentOrder final : public CBaseDataEventReceiver,
                                 public CDataBaseEventReceiver,
                                 public INordoManager,
                                 private IHostGateway,
+                                private IGroupOrderHost,
                                 private IStrategyHost {
  public:
   /// `world` must outlive the engine.
@@ -53,6 +56,9 @@ class CIntelligentOrder final : public CBaseDataEventReceiver,
   /// sink lives until the engine is gone, or was taken away and has no event on its way.
   int32_t Advise(IHostEvents* sink) { return m_events.Advise(sink); }
   bool Unadvise(int32_t cookie) { return m_events.Unadvise(cookie); }
+
+  /// Before phase 1; the watch outlives the engine. What the engine does is the same with and without.
+  void SetWatch(IGroupOrderWatch* watch) { m_groupOrders.SetWatch(watch); }
 
   void SetPhase(int32_t category, int32_t phase) override;
   void OnTopicMessage(const std::wstring& topic, int32_t first, int32_t second, const std::wstring& text,
@@ -72,7 +78,7 @@ class CIntelligentOrder final : public CBaseDataEventReceiver,
     bool Is(const CBaseData* source) const { return source != nullptr && source == record.load(); }
   };
 
-  // IHostGateway and IStrategyHost.
+  // IHostGateway, IStrategyHost and IGroupOrderHost.
   World& GetWorld() override { return m_world; }
   void WriteLog(const std::wstring& text) override;
   std::unique_ptr<CBaseData> OpenRecord(const std::wstring& name, CBaseDataEventReceiver* receiver) override;
@@ -100,6 +106,18 @@ class CIntelligentOrder final : public CBaseDataEventReceiver,
     return m_accounts.IsReady(broker, account);
   }
   void EnqueueQuote(const CQuoteData& quote) override;
+  std::unique_ptr<CBaseData> FollowRecord(int32_t handle) override {
+    return CBaseData::OpenByHandle(m_world, handle, this);
+  }
+  bool EnsureOptionTopic(const std::wstring& name) override { return m_quotes.EnsureOptionTopic(name); }
+  bool IsQuoteValid(const std::wstring& name) override { return m_quotes.IsQuoteValid(name); }
+  CBaseData* StrategyPosition() override { return m_pStrategyPosition.record; }
+  CBaseData* ExtendOrderSetup() override { return m_pExtendOrderSetup.record; }
+  int32_t ReplaySpeed() override { return m_lSpeed; }
+  int32_t ArmRecheck(int32_t timerId, int32_t delayMs) override { return ArmTimer(timerId, delayMs); }
+  int32_t PutOffRecheck(int32_t timerId, int32_t delayMs) override {
+    return m_timer.ChangeTimer(timerId, delayMs);
+  }
 
   // Phases.
   void StartUp();
@@ -141,18 +159,11 @@ class CIntelligentOrder final : public CBaseDataEventReceiver,
   void StartStrategies();
   void ArmMinuteClock();
   void KillMinuteClock();
-  void ArmTimer(int32_t id, int64_t intervalMs);
+  int32_t ArmTimer(int32_t id, int64_t intervalMs);
 
   // Reports.
   /// Gives the report that a payload of "TRADE.ORDERSET" names to its strategy; on the message thread.
   void DispatchOrderSetUpdate(const std::wstring& payload);
-
-  // Roads whose ends aren't built yet.
-  void ParseGroupOrder(const rapidjson::Document& document);
-  void PassPendingOrders();
-  void RegisterChildOrder(int32_t handle);
-  void OnChildOrderUpdate(CBaseData* source);
-  void OnOrderRecheck(int32_t timerId);
 
   World& m_world;
   CProxy_INordoManagerEvents m_events;
@@ -188,6 +199,7 @@ class CIntelligentOrder final : public CBaseDataEventReceiver,
   CQuoteQueue m_quoteQueue;
   CConnectedAccounts m_accounts;
   CPnLSettings m_limits;
+  CGroupOrders m_groupOrders;
   CTimer m_timer;
 };
 

@@ -27,8 +27,9 @@ void CIntelligentOrder::KillMinuteClock() {
   m_timer.KillTimer(kTimer1Min);
 }
 
-void CIntelligentOrder::ArmTimer(int32_t id, int64_t intervalMs) {
-  m_timer.SetTimer(id, static_cast<int32_t>(intervalMs), [this](int32_t timerId) { OnEngineTimer(timerId); });
+int32_t CIntelligentOrder::ArmTimer(int32_t id, int64_t intervalMs) {
+  return m_timer.SetTimer(id, static_cast<int32_t>(intervalMs),
+                          [this](int32_t timerId) { OnEngineTimer(timerId); });
 }
 
 void CIntelligentOrder::OnEngineTimer(int32_t id) {
@@ -42,7 +43,7 @@ void CIntelligentOrder::OnEngineTimer(int32_t id) {
         MinuteTick();
         break;
       default:
-        OnOrderRecheck(id);
+        m_groupOrders.OnOrderRecheck(id);
         break;
     }
   });

@@ -6,7 +6,7 @@
 #include "engine/intelligent_order.h"
 #include "platform/text.h"
 #include "records/json_document.h"
-#include "strategy/json_reader.h"
+#include "records/json_reader.h"
 #include "strategy/strategy_open_lottery.h"
 
 namespace iorder {
@@ -38,7 +38,7 @@ void CIntelligentOrder::ParseOrderCommand(const std::wstring& text) {
     return;
   }
   if (ReadJsonString(document, "StrategyType") != kOpenLottery) {
-    ParseGroupOrder(document);
+    m_groupOrders.ParseGroupOrder(document);
   } else if (ReadJsonInt(document, "Action", action::kStop) == action::kSetLimits) {
     SetPnLLimits(document);
   } else {

@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "records/json_reader.h"
 #include "records/scaled_value.h"
-#include "strategy/json_reader.h"
 
 namespace iorder {
 

@@ -12,7 +12,7 @@ void CIntelligentOrder::OnUpdate(CBaseData* source, int32_t, const std::wstring&
   } else if (m_pAccounts.Is(source)) {
     m_accounts.Rebuild(*source);
   } else {
-    OnChildOrderUpdate(source);
+    m_groupOrders.OnChildOrderUpdate(*source);
   }
 }
 

@@ -19,16 +19,6 @@ std::wstring PrefixTo(std::wstring_view symbol, int place) {
   return token.empty() ? std::wstring() : std::wstring(symbol.substr(0, tokens.Position()));
 }
 
-std::wstring JoinTokens(std::wstring_view symbol, int count) {
-  CTokenizer tokens(symbol);
-  std::wstring key;
-  for (int i = 0; i < count; ++i) {
-    if (i > 0) key += L'.';
-    key += tokens.Next(L'.');
-  }
-  return key;
-}
-
 }  // namespace
 
 std::wstring_view CTokenizer::Next(wchar_t delimiter) {
@@ -75,14 +65,24 @@ std::wstring GetSymbolProductKey(std::wstring_view symbol) {
   return PrefixTo(symbol, kProductPlace);
 }
 
+std::wstring FirstTokens(std::wstring_view symbol, int count) {
+  CTokenizer tokens(symbol);
+  std::wstring key;
+  for (int i = 0; i < count; ++i) {
+    if (i > 0) key += L'.';
+    key += tokens.Next(L'.');
+  }
+  return key;
+}
+
 std::wstring ExchangeKey(std::wstring_view symbol) {
-  return JoinTokens(symbol, kExchangePlace);
+  return FirstTokens(symbol, kExchangePlace);
 }
 std::wstring ProductId(std::wstring_view symbol) {
-  return JoinTokens(symbol, kProductPlace);
+  return FirstTokens(symbol, kProductPlace);
 }
 std::wstring SymbolKey(std::wstring_view symbol) {
-  return JoinTokens(symbol, kMonthPlace);
+  return FirstTokens(symbol, kMonthPlace);
 }
 
 std::wstring ReplaceAll(std::wstring text, std::wstring_view from, std::wstring_view to) {

@@ -42,7 +42,9 @@ std::wstring GetSymbolMonthKey(std::wstring_view symbol);
 /// The symbol as it stands up to and with its product; "" if it has none.
 std::wstring GetSymbolProductKey(std::wstring_view symbol);
 
-/// The first three, four and five tokens joined by ".", with nothing between the dots for a missing token.
+/// The first `count` tokens joined by ".", with nothing between the dots for a missing token.
+std::wstring FirstTokens(std::wstring_view symbol, int count);
+/// The first three, four and five of them.
 std::wstring ExchangeKey(std::wstring_view symbol);
 std::wstring ProductId(std::wstring_view symbol);
 std::wstring SymbolKey(std::wstring_view symbol);

@@ -1,7 +1,7 @@
 #include "strategy/open_lottery_info.h"
 
 #include "records/json_document.h"
-#include "strategy/json_reader.h"
+#include "records/json_reader.h"
 
 namespace iorder {
 

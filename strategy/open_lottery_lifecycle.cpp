@@ -5,7 +5,7 @@
 #include <array>
 
 #include "reference/symbol.h"
-#include "strategy/json_reader.h"
+#include "records/json_reader.h"
 #include "strategy/strategy_open_lottery.h"
 
 namespace iorder {

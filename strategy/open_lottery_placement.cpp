@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "records/wrapping.h"
 #include "reference/symbol.h"
 #include "strategy/order_result.h"
 #include "strategy/status_message.h"
@@ -13,11 +14,6 @@ namespace iorder {
 namespace {
 
 constexpr const wchar_t* kOrderTopic = L"TRADE.NEWORDER";
-
-/// a - b, wrapping as the machine does: a limit at an end of the range must not stop the batch.
-int64_t WholeDifference(int64_t a, int64_t b) {
-  return static_cast<int64_t>(static_cast<uint64_t>(a) - static_cast<uint64_t>(b));
-}
 
 void SortByStrike(std::vector<std::wstring>& symbols) {
   std::stable_sort(symbols.begin(), symbols.end(), [](const std::wstring& left, const std::wstring& right) {
@@ -46,7 +42,7 @@ void CStrategyOpenLottery::DoPlaceOrder() {
       symbols, info->m_llCash, ChainWeight(),
       [&](const std::wstring& symbol) { return OrderPriceOf(*info, symbol); },
       [this](const std::wstring& line) { WriteLog(line); });
-  const int64_t totalCashOrder = WholeDifference(info->m_llCash, cashLeft);
+  const int64_t totalCashOrder = WrappedDifference(info->m_llCash, cashLeft);
   {
     CLockGuard guard(m_csCash);
     m_llTotalCashOrder = totalCashOrder;

@@ -8,7 +8,7 @@
 #include "platform/text.h"
 #include "records/json_document.h"
 #include "records/number_text.h"
-#include "strategy/json_reader.h"
+#include "records/json_reader.h"
 
 namespace iorder {
 

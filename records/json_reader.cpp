@@ -1,4 +1,4 @@
-#include "strategy/json_reader.h"
+#include "records/json_reader.h"
 
 #include "records/json_document.h"
 #include "records/scaled_value.h"

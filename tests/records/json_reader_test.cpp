@@ -1,4 +1,4 @@
-#include "strategy/json_reader.h"
+#include "records/json_reader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,82 @@
+#include <algorithm>
+
+#include "grouporder/group_orders.h"
+#include "records/exec_type.h"
+
+namespace iorder {
+
+namespace {
+
+constexpr int32_t kRecheckDelayMs = 2000;
+/// Keeps a fast replay from spinning.
+constexpr int32_t kLeastRecheckDelayMs = 50;
+
+/// The states in which a child order ends.
+bool IsFinal(int32_t execType) {
+  constexpr int32_t kFinal[] = {2, 3, 5, 7, 8, 10};
+  return std::find(std::begin(kFinal), std::end(kFinal), execType) != std::end(kFinal);
+}
+
+/// The ends that, unless the client wished them, end the whole group order.
+bool IsFailure(int32_t execType) {
+  return execType == 5 || execType == 8;
+}
+
+}  // namespace
+
+void CGroupOrders::RegisterChildOrder(int32_t handle) {
+  auto announced = CBaseData::OpenByHandle(m_host.GetWorld(), handle, nullptr);
+  if (announced == nullptr) return;
+  const std::wstring strategyID = announced->GetString(L"Strategy");
+  const std::wstring levelKey = announced->GetString(L"LevelKey");
+  announced.reset();
+  if (strategyID.empty()) return;
+  const GroupOrderPtr order = m_book.Find(strategyID);
+  if (order == nullptr) return;  // of another source
+  if (m_book.KnowsChild(levelKey)) return;
+
+  order->AddChild(levelKey);
+  // From here on the child's updates come. Only here are ended handles closed: no event of theirs runs.
+  const CGroupOrderBook::Handles ended = m_book.KeepChild(levelKey, m_host.FollowRecord(handle));
+  if (m_watch != nullptr) m_watch->OnChild(*order, levelKey);
+}
+
+void CGroupOrders::OnChildOrderUpdate(CBaseData& source) {
+  const std::wstring levelKey = source.GetString(L"LevelKey");
+  const std::wstring strategyID = source.GetString(L"Strategy");
+  const int32_t execType = source.GetInt(L"ExecType", NoInt);
+  const int32_t clientModify = source.GetInt(L"ClientModify", 0);
+  const GroupOrderPtr order = m_book.Find(strategyID);
+  if (order == nullptr) return;
+
+  if (IsFailure(execType) && clientModify == 0) order->bFailed = 1;
+  if (IsFinal(execType)) {
+    order->RemoveChild(levelKey);
+    m_book.EndChild(levelKey);
+  }
+  const size_t live = order->ChildCount();
+  if (m_watch != nullptr) m_watch->OnChildUpdate(*order, levelKey, execType, live);
+  // Whatever this update told: an update behind the last end puts the next look off.
+  if (order->bFailed == 0 && live == 0) ScheduleRecheck(order);
+}
+
+void CGroupOrders::ScheduleRecheck(const GroupOrderPtr& order) {
+  const int32_t delay = RecheckDelay();
+  const CGroupOrderBook::CRecheck recheck = m_book.NoteRecheck(order);
+  if (recheck.overwritten != nullptr) TellEnd(*recheck.overwritten, GroupOrderEnd::kAsleep);
+  if (m_watch != nullptr) m_watch->OnRecheck(*order, recheck.lTimerId, delay);
+  if (m_host.ArmRecheck(recheck.lTimerId, delay) == 0 && !recheck.bNew) {
+    m_host.PutOffRecheck(recheck.lTimerId, delay);
+  }
+}
+
+int32_t CGroupOrders::RecheckDelay() {
+  const int32_t speed = m_host.ReplaySpeed();
+  return speed > 1 ? std::max(kRecheckDelayMs / speed, kLeastRecheckDelayMs) : kRecheckDelayMs;
+}
+
+void CGroupOrders::CloseChildren() {
+  m_book.TakeHandles();
+}
+
+}  // namespace iorder

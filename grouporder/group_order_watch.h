@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "grouporder/group_order.h"
+#include "grouporder/leg_orders.h"
+#include "grouporder/leg_scan.h"
+#include "grouporder/trigger_evaluation.h"
+
+namespace iorder {
+
+/// What one cycle saw and did, before its strings go out.
+struct CGroupCycle {
+  CBandChecks checks;               ///< what set the multipliers
+  CLegScan::Candidates candidates;  ///< every option that a leg looked at, in the order of the scan
+  PerLeg<std::vector<stcPosition>> held;
+  std::vector<CLegOrder> orders;
+};
+
+/// Why an order won't go on, or is gone.
+enum class GroupOrderEnd {
+  kTarget,    ///< gone: its stop condition is met
+  kNoLeg,     ///< gone: no leg found an option
+  kNothing,   ///< stays: the cycle made no string, so no child will ever move it
+  kReplaced,  ///< another order of the same strategy id stands in its place
+  kAsleep,    ///< stays: another order has got its timer
+};
+
+/// Is told what the group orders decide, so that a user can see it. The engine acts the same whether anybody
+/// watches or not. Operations come on the thread at work, several at a time for different orders, under no
+/// lock of the engine; an order may be read inside them, but for what its lock guards.
+class IGroupOrderWatch {
+ public:
+  virtual ~IGroupOrderWatch() = default;
+
+  /// The stop condition was looked at: at acceptance, and by each re-check.
+  virtual void OnLook(const stcIntlgntOrd& order, const CStopCheck& check) = 0;
+  virtual void OnCycle(const stcIntlgntOrd& order, const CGroupCycle& cycle) = 0;
+  virtual void OnEnd(const stcIntlgntOrd& order, GroupOrderEnd end) = 0;
+  virtual void OnChild(const stcIntlgntOrd& order, const std::wstring& levelKey) = 0;
+  /// `live`: children that have not ended, after this update.
+  virtual void OnChildUpdate(const stcIntlgntOrd& order, const std::wstring& levelKey, int32_t execType,
+                             size_t live) = 0;
+  /// The next look comes after the delay; an earlier one is put off.
+  virtual void OnRecheck(const stcIntlgntOrd& order, int32_t timerId, int32_t delayMs) = 0;
+};
+
+}  // namespace iorder
