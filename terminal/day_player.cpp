@@ -133,6 +133,9 @@ void CDayPlayer::Announce(const std::wstring& topic, int32_t handle) {
 
 void CDayPlayer::Do(const SettingsAction& action) {
   m_parts.settings.Write(action.path, action.text);
+  if (m_parts.figures != nullptr) {
+    m_parts.figures->OnSettings();
+  }
 }
 
 void CDayPlayer::Do(const SymbolsAction& action) {
@@ -144,6 +147,9 @@ void CDayPlayer::Do(const SymbolsAction& action) {
 
 void CDayPlayer::Do(const RecordAction& action) {
   OnBus([&] {
+    if (m_parts.figures != nullptr) {
+      m_parts.figures->LeaveToLines(action.change.name);
+    }
     m_parts.bus.Apply(action.change);
     if (action.firing) {
       m_parts.bus.Fire(action.change.name, *action.firing);

@@ -60,10 +60,10 @@ void CHostSink::Unsubscribe(const std::wstring& topic) {
 
 std::optional<int32_t> CHostSink::OpenRecord(const std::wstring& name) {
   CutOffShield shield(m_runtime);
-  if (m_figures != nullptr && !m_isFailing) {
-    m_figures->Make(name);
+  std::optional<int32_t> handle = m_isFailing ? std::nullopt : std::optional(m_bus.Open(name));
+  if (handle == 0 && m_figures != nullptr && m_figures->Make(name)) {
+    handle = m_bus.Open(name);
   }
-  const std::optional<int32_t> handle = m_isFailing ? std::nullopt : std::optional(m_bus.Open(name));
   TraceEvent event;
   event.kind = TraceKind::kOpenRecord;
   event.record = name;

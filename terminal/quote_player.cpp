@@ -4,7 +4,7 @@ namespace iorder {
 
 CQuotePlayer::Target CQuotePlayer::Find(const std::wstring& symbol) {
   return {&m_bus.Quote(symbol), m_orders != nullptr ? &m_orders->Book(symbol) : nullptr,
-          m_figures != nullptr ? m_figures->Find(symbol) : nullptr};
+          m_figures != nullptr ? m_figures->Find(symbol) : CMarketFigures::Series()};
 }
 
 void CQuotePlayer::Play(const Target& target, const QuoteUpdate& update, const RecordChange* more,
@@ -12,8 +12,8 @@ void CQuotePlayer::Play(const Target& target, const QuoteUpdate& update, const R
   if (target.book != nullptr) {
     m_orders->OnQuote(*target.book, update);
   }
-  if (target.series != nullptr) {
-    m_figures->OnQuote(*target.series, update);
+  if (m_figures != nullptr) {
+    m_figures->OnQuote(target.series, update);
   }
   const DateTime utc = update.NeedsClock() ? m_runtime.UtcTime() : DateTime();
   m_bus.PlayQuote(*target.record, update, more, utc, firing);

@@ -15,8 +15,8 @@ class CQuotePlayer {
   /// All that a symbol's quotes move: found once, then used without any look-up.
   struct Target {
     CBusObject* record = nullptr;
-    COrderBook* book = nullptr;                ///< none without automatic orders
-    CMarketFigures::Series* series = nullptr;  ///< none if no figure depends on it
+    COrderBook* book = nullptr;     ///< none without automatic orders
+    CMarketFigures::Series series;  ///< none if no figure depends on it
   };
 
   /// `orders` (or none) are the automatic ones, `figures` (or none) those from the market.

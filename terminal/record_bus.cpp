@@ -329,6 +329,14 @@ void CEmbeddedBus::Apply(const RecordChange& change) {
   ApplyLocked(MakeLocked(change.name), change);
 }
 
+void CEmbeddedBus::Change(CBusObject& record, const RecordChange& change, const Firing& firing) {
+  {
+    CLockGuard guard(m_section);
+    ApplyLocked(record, change);
+  }
+  Fire(record, firing);
+}
+
 void CEmbeddedBus::ApplyLocked(CBusObject& object, const RecordChange& change) {
   if (change.clear) {
     ClearLocked(object);

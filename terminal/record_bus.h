@@ -60,6 +60,8 @@ class CEmbeddedBus : public IRecordBus {
 
   /// Makes the record if need be and changes it. Fires nothing.
   void Apply(const RecordChange& change);
+  /// Changes a record that is at hand, whatever name the change has, and fires.
+  void Change(CBusObject& record, const RecordChange& change, const Firing& firing);
   /// The value by now: the handle of a record, if that is asked for.
   Value ValueOf(const FieldValue& value);
 
