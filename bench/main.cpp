@@ -28,6 +28,7 @@ int main(int argumentCount, char** arguments) {
     ratios.push_back(BatchAgainstFormat(folder, kRepeats));
     ratios.push_back(ReportAgainstWrite(folder, kRepeats));
     for (Ratio& ratio : PricesAgainstQuantLib(kRepeats)) ratios.push_back(std::move(ratio));
+    ratios.push_back(FiguresAgainstQuantLib(kRepeats));
     ratios.push_back(ProfitPass("one quote valued, 100 strategies of 50 positions",
                                 "10 strategies of 50 positions", {10, 50}, {100, 50}, kRepeats));
     ratios.push_back(ProfitPass("one quote valued, 100 strategies of 50 positions",
