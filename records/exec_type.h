@@ -8,6 +8,7 @@ namespace iorder::exec_type {
 
 inline constexpr int32_t kWorking = 0;
 inline constexpr int32_t kFilled = 3;
+inline constexpr int32_t kStopped = 5;  ///< of a child order: ended from outside
 inline constexpr int32_t kPartlyFilled = 6;
 inline constexpr int32_t kCancelled = 8;
 inline constexpr int32_t kRejected = 10;

@@ -19,11 +19,27 @@ class CAnswerDraws {
   bool Repeats(int32_t order, int32_t report, Share share) const {
     return Hits(Kind::kRepeat, order, report, share);
   }
+  bool FailsChild(int32_t order, Share share) const { return Hits(Kind::kFailedChild, order, 0, share); }
+  bool LosesChild(int32_t order, Share share) const { return Hits(Kind::kLostChild, order, 0, share); }
+  bool IsLateChild(int32_t order, Share share) const { return Hits(Kind::kLateChild, order, 0, share); }
+  bool LosesEnd(int32_t order, Share share) const { return Hits(Kind::kLostEnd, order, 0, share); }
+  /// In which of the two states that tell a failure a failed child ends.
+  bool IsStopped(int32_t order) const { return Draw(Kind::kFailure, order, 0, 2) == 0; }
   /// From 0 to `most`, both included.
   Milliseconds Lateness(int32_t order, int32_t report, Milliseconds most) const;
 
  private:
-  enum class Kind : uint64_t { kReject = 1, kLostAck, kRepeat, kLateness };
+  enum class Kind : uint64_t {
+    kReject = 1,
+    kLostAck,
+    kRepeat,
+    kLateness,
+    kFailedChild,
+    kFailure,
+    kLostChild,
+    kLateChild,
+    kLostEnd
+  };
 
   bool Hits(Kind kind, int32_t order, int32_t report, Share share) const;
   /// A number from 0 to `bound` - 1.

@@ -63,6 +63,10 @@ std::optional<OrderRules> ReadOrderRules(CObjectReader& head) {
   ReadShare(reader, "repeat", rules.repeat);
   ReadShare(reader, "lost_ack", rules.lostAck);
   ReadTime(reader, "rec_fill_lag_ms", rules.recFillLag);
+  ReadShare(reader, "failed_child", rules.failedChild);
+  ReadShare(reader, "lost_child", rules.lostChild);
+  ReadShare(reader, "late_child", rules.lateChild);
+  ReadShare(reader, "lost_end", rules.lostEnd);
   reader.Finish();
   return rules;
 }

@@ -32,6 +32,7 @@ CDayPlayer::CDayPlayer(const Day& day, TerminalParts& parts)
 
 void CDayPlayer::Play(INordoManager& manager) {
   m_manager = &manager;
+  m_parts.messages.Connect(manager);
   m_parts.busThread.Start();
   m_ticks.Create();
   std::exception_ptr error;
@@ -111,26 +112,6 @@ void CDayPlayer::SetPhase(const PhaseAction& phase) {
   }
 }
 
-void CDayPlayer::Send(const MessageAction& message) {
-  const Value value = m_parts.bus.ValueOf(message.value);
-  TraceEvent event;
-  event.kind = TraceKind::kMessage;
-  event.topic = message.topic;
-  event.first = message.first;
-  event.second = message.second;
-  event.text = message.text;
-  event.value = &value;
-  m_parts.feed.Tell(event);
-  m_manager->OnTopicMessage(message.topic, message.first, message.second, message.text, value);
-}
-
-void CDayPlayer::Announce(const std::wstring& topic, int32_t handle) {
-  MessageAction message;
-  message.topic = topic;
-  message.value.value = handle;
-  Send(message);
-}
-
 void CDayPlayer::Do(const SettingsAction& action) {
   m_parts.settings.Write(action.path, action.text);
   if (m_parts.figures != nullptr) {
@@ -164,7 +145,7 @@ void CDayPlayer::Do(const QuoteAction& action) {
 }
 
 void CDayPlayer::Do(const MessageAction& action) {
-  Send(action);
+  m_parts.messages.Send(action);
 }
 
 void CDayPlayer::Do(const AccountsAction& action) {
@@ -182,18 +163,15 @@ void CDayPlayer::Do(const PhaseAction& action) {
 }
 
 void CDayPlayer::Do(const ReportAction& action) {
-  OnBus([&] { m_parts.orders.Manual().Report(action); });
+  OnBus([&] { m_parts.orders.Report(action); });
 }
 
 void CDayPlayer::Do(const ChildAction& action) {
-  OnBus([&] {
-    m_parts.orders.Manual().Child(
-        action, [this](const std::wstring& topic, int32_t handle) { Announce(topic, handle); });
-  });
+  OnBus([&] { m_parts.orders.Child(action); });
 }
 
 void CDayPlayer::Do(const PositionAction& action) {
-  OnBus([&] { m_parts.orders.Manual().Position(action); });
+  OnBus([&] { m_parts.orders.Position(action); });
 }
 
 void CDayPlayer::Do(const RequestAction& action) {

@@ -33,8 +33,6 @@ class CDayPlayer {
   void PlayLine(const DayLine& line);
   void OnBus(const std::function<void()>& job);
   void SetPhase(const PhaseAction& phase);
-  void Send(const MessageAction& message);
-  void Announce(const std::wstring& topic, int32_t handle);
 
   void Do(const NoteAction&) {}
   void Do(const SettingsAction& action);

@@ -29,7 +29,8 @@ TerminalParts::TerminalParts(IWorldRuntime& worldRuntime, const DayHead& head, c
       settings(runtime, head.folder, hostFolder),
       busThread(runtime),
       accounts(runtime, bus),
-      orders(runtime, bus, busThread, accounts, head.orders, head.seed),
+      messages(feed, bus),
+      orders(runtime, bus, busThread, accounts, messages, head.orders, head.seed),
       figures(head.figuresPeriod ? std::make_unique<CMarketFigures>(runtime, bus, busThread, settings,
                                                                     hostFolder, *head.figuresPeriod)
                                  : nullptr),

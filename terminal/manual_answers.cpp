@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "terminal/strategy_positions.h"
+
 namespace iorder {
 namespace {
-
-constexpr const wchar_t* kStrategyPosition = L"STRATEGY.POSITION";
 
 /// The whole number in a field, 0 for anything else.
 int64_t NumberOf(const FieldValue& field) {
@@ -18,6 +18,16 @@ int64_t NumberOf(const FieldValue& field) {
 bool Names(const std::vector<FieldChange>& fields, std::wstring_view name) {
   return std::any_of(fields.begin(), fields.end(),
                      [name](const FieldChange& field) { return field.name == name; });
+}
+
+std::wstring LevelKeyOf(const ChildAction& child) {
+  std::wstring levelKey = ChildKey(child.order);
+  for (const FieldChange& field : child.fields) {
+    if (field.name == L"LevelKey" && std::holds_alternative<std::wstring>(field.value.value)) {
+      levelKey = std::get<std::wstring>(field.value.value);
+    }
+  }
+  return levelKey;
 }
 
 }  // namespace
@@ -42,29 +52,21 @@ void CManualAnswers::Report(const ReportAction& report) {
   FireReport(m_bus, report.node.value_or(report.order - 1), fields, report.payload);
 }
 
-void CManualAnswers::Child(const ChildAction& child, const Announce& announce) {
+void CManualAnswers::Child(const ChildAction& child) {
   const SentOrder order = m_orders.Order(child.order);
-  std::wstring levelKey = L"C" + std::to_wstring(order.number);
-  for (const FieldChange& field : child.fields) {
-    if (field.name == L"LevelKey" && std::holds_alternative<std::wstring>(field.value.value)) {
-      levelKey = std::get<std::wstring>(field.value.value);
-    }
-  }
-  int32_t& handle = m_childHandles[levelKey];
-  const bool isFirst = handle == 0;
-  RecordChange change;
-  change.name = levelKey;
+  const std::wstring levelKey = LevelKeyOf(child);
+  const bool isFirst = !m_children.Has(levelKey);
+  std::vector<FieldChange> fields;
   if (isFirst) {
-    change.fields = {{L"Strategy", TextField(OrderField(order.fields, L"STRATEGY"))},
-                     {L"LevelKey", TextField(levelKey)}};
+    fields = {{L"Strategy", TextField(OrderField(order.fields, L"STRATEGY"))},
+              {L"LevelKey", TextField(levelKey)}};
   }
-  change.fields.insert(change.fields.end(), child.fields.begin(), child.fields.end());
-  handle = m_bus.ApplyUnnamed(handle, change);
-
+  fields.insert(fields.end(), child.fields.begin(), child.fields.end());
+  m_children.Change(levelKey, fields);
   if (child.announce.value_or(isFirst)) {
-    announce(child.topic, handle);
+    m_children.Announce(levelKey, child.topic);
   } else if (!isFirst) {
-    m_bus.FireUnnamed(handle);
+    m_children.Fire(levelKey);
   }
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <functional>
 #include <map>
 #include <string>
 
+#include "terminal/child_records.h"
 #include "terminal/day.h"
 #include "terminal/order_list.h"
 #include "terminal/order_report.h"
@@ -15,13 +15,11 @@ namespace iorder {
 /// lines; an order that wasn't sent yet is an InputError.
 class CManualAnswers {
  public:
-  /// Tells the engine of a record on a topic.
-  using Announce = std::function<void(const std::wstring& topic, int32_t handle)>;
-
-  CManualAnswers(CEmbeddedBus& bus, COrderList& orders) : m_bus(bus), m_orders(orders) {}
+  CManualAnswers(CEmbeddedBus& bus, COrderList& orders, CChildRecords& children)
+      : m_bus(bus), m_orders(orders), m_children(children) {}
 
   void Report(const ReportAction& report);
-  void Child(const ChildAction& child, const Announce& announce);
+  void Child(const ChildAction& child);
   void Position(const PositionAction& position);
 
  private:
@@ -29,8 +27,8 @@ class CManualAnswers {
 
   CEmbeddedBus& m_bus;
   COrderList& m_orders;
-  std::map<int32_t, ReportFields> m_reports;       ///< by order
-  std::map<std::wstring, int32_t> m_childHandles;  ///< by "LevelKey"
+  CChildRecords& m_children;
+  std::map<int32_t, ReportFields> m_reports;  ///< by order
 };
 
 }  // namespace iorder

@@ -18,6 +18,10 @@ FieldValue Int64Field(int64_t value) {
   return {{}, value, {}};
 }
 
+FieldValue Int64OrNone(int64_t value) {
+  return value != NoValue ? Int64Field(value) : FieldValue{FieldValue::Kind::kRemove, {}, {}};
+}
+
 ReportFields FirstReport(const SentOrder& order) {
   const auto text = [&](const wchar_t* key) { return OrderField(order.fields, key); };
   ReportFields fields;
@@ -32,6 +36,19 @@ ReportFields FirstReport(const SentOrder& order) {
   fields[L"SendQty"] = Int32Field(LeadingInt64(text(L"QTY")));
   fields[L"LevelKey"] = TextField(ReportId(order.number));
   fields[L"CumQty"] = Int32Field(0);
+  return fields;
+}
+
+ReportFields FieldsOf(const SentOrder& order, const OrderReport& report) {
+  ReportFields fields = FirstReport(order);
+  fields[L"ExecType"] = Int32Field(report.execType);
+  fields[L"CumQty"] = Int32Field(report.filled);
+  fields[L"LeavesQty"] = Int32Field(report.leaves);
+  fields[L"RecFillQty"] = Int32Field(report.received);
+  if (report.price != NoValue) fields[L"Price"] = Int64Field(report.price);
+  // The node keeps what a report doesn't name, and a report that was overtaken must not show a later average.
+  fields[L"AvgPrice"] = Int64OrNone(report.average);
+  if (!report.text.empty()) fields[L"Text"] = TextField(report.text);
   return fields;
 }
 

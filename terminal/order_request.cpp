@@ -8,6 +8,7 @@ namespace iorder {
 namespace {
 
 constexpr int64_t kMarket = 1;
+constexpr int64_t kWorkingPrice = 10;
 constexpr int64_t kMarketWithProtection = 25;
 constexpr int64_t kImmediateOrCancel = 2;
 
@@ -36,18 +37,29 @@ std::wstring ReadPrice(const OrderFields& fields, OrderRequest& request) {
   return request.price != NoValue ? std::wstring() : L"a limit order without a price";
 }
 
+std::wstring ReadChase(const OrderFields& fields, OrderRequest& request) {
+  const std::wstring text = OrderField(fields, L"CHASEPRICE");
+  request.isAtMarket = text.empty();
+  if (text.empty()) return {};
+  request.chase = ParseChasePrice(text);
+  return request.chase ? std::wstring() : L"chase price '" + text + L"' isn't understood";
+}
+
 }  // namespace
 
-OrderRequest ReadOrderRequest(const OrderFields& fields) {
+OrderRequest ReadOrderRequest(const OrderFields& fields, bool chases) {
   const auto number = [&](const wchar_t* key) { return LeadingInt64(OrderField(fields, key)); };
   OrderRequest request;
   request.symbol = OrderField(fields, L"SYMBOL");
   const int64_t type = number(L"ORDERTYPE");
-  request.isAtMarket = type == kMarket || type == kMarketWithProtection;
+  const bool isAtWorkingPrice = type == kWorkingPrice;
+  request.isAtMarket = type == kMarket || type == kMarketWithProtection || (isAtWorkingPrice && !chases);
   request.isImmediateOrCancel = number(L"TIMEINFORCE") == kImmediateOrCancel;
   request.mistake = ReadSide(OrderField(fields, L"SIDE"), request);
   if (request.mistake.empty()) request.mistake = ReadQuantity(OrderField(fields, L"QTY"), request);
-  if (request.mistake.empty()) request.mistake = ReadPrice(fields, request);
+  if (request.mistake.empty()) {
+    request.mistake = isAtWorkingPrice && chases ? ReadChase(fields, request) : ReadPrice(fields, request);
+  }
   return request;
 }
 

@@ -3,10 +3,16 @@
 namespace iorder {
 
 COrderService::COrderService(IWorldRuntime& runtime, CEmbeddedBus& bus, CBusThread& busThread,
-                             CAccountsRecord& accounts, const std::optional<OrderRules>& rules, uint64_t seed)
-    : m_bus(bus), m_accounts(accounts), m_list(runtime), m_manual(bus, m_list) {
+                             CAccountsRecord& accounts, CEngineMessages& messages,
+                             const std::optional<OrderRules>& rules, uint64_t seed)
+    : m_bus(bus),
+      m_accounts(accounts),
+      m_list(runtime),
+      m_children(bus, messages),
+      m_manual(bus, m_list, m_children),
+      m_positions(runtime, bus) {
   if (rules) {
-    m_automatic.emplace(runtime, bus, busThread, accounts, *rules, seed);
+    m_automatic.emplace(runtime, bus, busThread, accounts, m_children, m_positions, *rules, seed);
   }
 }
 
@@ -33,6 +39,21 @@ void COrderService::CancelOrder(const std::wstring& text) {
   const SentCancel cancel = m_list.AddCancel(text);
   if (m_automatic) {
     m_automatic->OnCancel(cancel);
+  }
+}
+
+void COrderService::Child(const ChildAction& child) {
+  // What ends a child that works is told behind what was told of it before; all else is as the line says.
+  if (!m_automatic || !m_automatic->EndChild(child)) {
+    m_manual.Child(child);
+  }
+}
+
+void COrderService::Position(const PositionAction& position) {
+  if (m_automatic) {
+    m_positions.Set(position);
+  } else {
+    m_manual.Position(position);
   }
 }
 

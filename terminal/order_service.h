@@ -9,9 +9,11 @@
 #include "terminal/accounts_record.h"
 #include "terminal/automatic_orders.h"
 #include "terminal/bus_thread.h"
+#include "terminal/child_records.h"
 #include "terminal/manual_answers.h"
 #include "terminal/order_list.h"
 #include "terminal/record_bus.h"
+#include "terminal/strategy_positions.h"
 
 namespace iorder {
 
@@ -22,7 +24,7 @@ namespace iorder {
 class COrderService {
  public:
   COrderService(IWorldRuntime& runtime, CEmbeddedBus& bus, CBusThread& busThread, CAccountsRecord& accounts,
-                const std::optional<OrderRules>& rules, uint64_t seed);
+                CEngineMessages& messages, const std::optional<OrderRules>& rules, uint64_t seed);
 
   void NewOrder(const std::wstring& text);
   void CancelOrder(const std::wstring& text);
@@ -30,7 +32,11 @@ class COrderService {
   std::vector<SentOrder> Orders() { return m_list.Orders(); }
   std::vector<SentCancel> Cancels() { return m_list.Cancels(); }
 
-  CManualAnswers& Manual() { return m_manual; }
+  /// What lines of the day say of orders and positions, on the thread of the bus.
+  void Report(const ReportAction& report) { m_manual.Report(report); }
+  void Child(const ChildAction& child);
+  void Position(const PositionAction& position);
+
   /// None if the lines of the day answer.
   CAutomaticOrders* Automatic() { return m_automatic ? &*m_automatic : nullptr; }
 
@@ -40,7 +46,9 @@ class COrderService {
   CEmbeddedBus& m_bus;
   CAccountsRecord& m_accounts;
   COrderList m_list;
+  CChildRecords m_children;
   CManualAnswers m_manual;
+  CStrategyPositions m_positions;  ///< of an automatic day
   std::optional<CAutomaticOrders> m_automatic;
 };
 

@@ -324,9 +324,25 @@ void CEmbeddedBus::Show(const std::wstring& name, uint64_t subscription) {
 
 // ---- What the day changes ----
 
-void CEmbeddedBus::Apply(const RecordChange& change) {
+void CEmbeddedBus::Watch(const std::wstring& name, std::function<void()> changed) {
   CLockGuard guard(m_section);
-  ApplyLocked(MakeLocked(change.name), change);
+  m_watches.try_emplace(name, std::move(changed));
+}
+
+const std::function<void()>* CEmbeddedBus::WatchLocked(const std::wstring& name) {
+  if (m_watches.empty()) return nullptr;
+  const auto found = m_watches.find(name);
+  return found != m_watches.end() ? &found->second : nullptr;
+}
+
+void CEmbeddedBus::Apply(const RecordChange& change) {
+  const std::function<void()>* watch = nullptr;
+  {
+    CLockGuard guard(m_section);
+    ApplyLocked(MakeLocked(change.name), change);
+    watch = WatchLocked(change.name);
+  }
+  if (watch != nullptr) (*watch)();
 }
 
 void CEmbeddedBus::Change(CBusObject& record, const RecordChange& change, const Firing& firing) {
@@ -431,6 +447,7 @@ CBusObject& CEmbeddedBus::Quote(const std::wstring& symbol) {
 void CEmbeddedBus::PlayQuote(CBusObject& quote, const QuoteUpdate& update, const RecordChange* more,
                              const DateTime& utc, const Firing& firing) {
   std::shared_ptr<const SinkList> sinks;
+  const std::function<void()>* watch = nullptr;
   int32_t originator = 0;
   bool fires = false;
   {
@@ -438,9 +455,11 @@ void CEmbeddedBus::PlayQuote(CBusObject& quote, const QuoteUpdate& update, const
     ApplyQuoteLocked(quote, update, utc);
     if (more != nullptr) {
       ApplyLocked(quote, *more);
+      watch = WatchLocked(quote.m_name);
     }
     sinks = BeginFire(quote, firing, originator, fires);
   }
+  if (watch != nullptr) (*watch)();
   if (fires) {
     CallSinks(quote, sinks, originator, firing);
   }
@@ -513,6 +532,12 @@ bool CEmbeddedBus::HasData(const std::wstring& name) {
   CLockGuard guard(m_section);
   const CBusObject* const object = FindLocked(name);
   return object != nullptr && (!object->m_record.Fields().empty() || !object->m_record.Numbers().empty());
+}
+
+std::map<std::wstring, Value, std::less<>> CEmbeddedBus::Fields(const std::wstring& name) {
+  CLockGuard guard(m_section);
+  const CBusObject* const object = FindLocked(name);
+  return object != nullptr ? object->m_record.Fields() : std::map<std::wstring, Value, std::less<>>();
 }
 
 bool CEmbeddedBus::ItemHas(const std::wstring& name, const std::wstring& node, const std::wstring& item,

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -58,6 +59,10 @@ class CEmbeddedBus : public IRecordBus {
   /// unsubscribed since.
   void Show(const std::wstring& name, uint64_t subscription);
 
+  /// From now on `changed` is called behind each change of the record by Apply or PlayQuote, whether it shows
+  /// or not, on the thread that changes it and under no lock. A second watch of a record is left out.
+  void Watch(const std::wstring& name, std::function<void()> changed);
+
   /// Makes the record if need be and changes it. Fires nothing.
   void Apply(const RecordChange& change);
   /// Changes a record that is at hand, whatever name the change has, and fires.
@@ -89,6 +94,8 @@ class CEmbeddedBus : public IRecordBus {
 
   /// Whether the record holds any data, shown or not.
   bool HasData(const std::wstring& name);
+  /// The fields of the record, shown or not; none if it isn't there.
+  std::map<std::wstring, Value, std::less<>> Fields(const std::wstring& name);
   /// Whether the item of that name in the node of that name has the 32-bit value in its field.
   bool ItemHas(const std::wstring& name, const std::wstring& node, const std::wstring& item,
                std::wstring_view field, int32_t value);
@@ -131,6 +138,8 @@ class CEmbeddedBus : public IRecordBus {
   void CallSinks(const CBusObject& object, const std::shared_ptr<const SinkList>& sinks, int32_t originator,
                  const Firing& firing);
 
+  /// The watch of the record, or none. It stays where it is.
+  const std::function<void()>* WatchLocked(const std::wstring& name) IORDER_REQUIRES(m_section);
   CBusObject& MakeLocked(const std::wstring& name) IORDER_REQUIRES(m_section);
   CBusObject* FindLocked(const std::wstring& name) IORDER_REQUIRES(m_section);
   CBusObject& NewObject(const std::wstring& name, const std::wstring& top, bool hidden)
@@ -157,6 +166,7 @@ class CEmbeddedBus : public IRecordBus {
   std::map<std::wstring, int32_t, std::less<>> m_handles IORDER_GUARDED_BY(m_section);
   std::map<std::wstring, uint64_t> m_subscribed IORDER_GUARDED_BY(m_section);
   uint64_t m_subscriptionCount IORDER_GUARDED_BY(m_section) = 0;
+  std::map<std::wstring, std::function<void()>> m_watches IORDER_GUARDED_BY(m_section);
   std::set<std::wstring> m_failOpen IORDER_GUARDED_BY(m_section);
   std::vector<ItemFault> m_itemFaults IORDER_GUARDED_BY(m_section);
   int32_t m_cookieCount IORDER_GUARDED_BY(m_section) = 0;

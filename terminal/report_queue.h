@@ -5,27 +5,14 @@
 #include <map>
 #include <optional>
 #include <set>
-#include <string>
 #include <vector>
 
 #include "platform/date_time.h"
 #include "terminal/answer_draws.h"
+#include "terminal/order_report.h"
 #include "terminal/order_rules.h"
 
 namespace iorder {
-
-/// What one report says of its order.
-struct OrderReport {
-  int32_t order = 0;
-  int32_t execType = 0;
-  ScaledValue price = NoValue;
-  int64_t sent = 0;
-  int64_t leaves = 0;
-  int64_t filled = 0;    ///< "CumQty"
-  int64_t received = 0;  ///< "RecFillQty"; the queue fills it in
-  ScaledValue average = NoValue;
-  std::wstring text;  ///< why the order was rejected
-};
 
 /// The reports on their way to the engine: each comes when it is due, and no report of an order comes before
 /// an earlier one of the same order, unless the rules let what is drawn bring that about. The engine reads a

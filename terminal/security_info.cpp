@@ -2,6 +2,7 @@
 
 #include "platform/text.h"
 #include "records/json_document.h"
+#include "records/number_text.h"
 
 namespace iorder {
 namespace {
@@ -18,19 +19,26 @@ std::wstring FirstTokens(const std::wstring& symbol, int count) {
   return symbol.substr(0, end);
 }
 
-std::wstring TickSizeIn(const Value& attributes) {
+/// The text of a product's attribute, or "".
+std::wstring AttributeOf(CEmbeddedBus& bus, const std::wstring& symbol, std::string_view attribute) {
+  const Value attributes = bus.ItemField(L"Security.Info", FirstTokens(symbol, kExchangeTokens),
+                                         FirstTokens(symbol, kProductTokens));
   const std::wstring* const json = std::get_if<std::wstring>(&attributes);
   rapidjson::Document document;
   if (json == nullptr || ParseJson(ToUtf8(*json), document)) return {};
-  return StringMember(document, "TickSize");
+  return StringMember(document, attribute);
 }
 
 }  // namespace
 
 CTickLadder TickLadderOf(CEmbeddedBus& bus, const std::wstring& symbol) {
-  const std::wstring tickSize = TickSizeIn(bus.ItemField(
-      L"Security.Info", FirstTokens(symbol, kExchangeTokens), FirstTokens(symbol, kProductTokens)));
+  const std::wstring tickSize = AttributeOf(bus, symbol, "TickSize");
   return CTickLadder(tickSize.empty() ? CTickLadder::kFallbackTick : tickSize);
+}
+
+int64_t ContractWeightOf(CEmbeddedBus& bus, const std::wstring& symbol) {
+  const std::wstring weight = AttributeOf(bus, symbol, "Weight");
+  return weight.empty() ? 1 : LeadingInt64(weight);
 }
 
 }  // namespace iorder

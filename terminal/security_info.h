@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "terminal/record_bus.h"
@@ -11,5 +12,8 @@ namespace iorder {
 /// ("ND.O.TWF"), the field of the product ("ND.O.TWF.TX"), JSON. What isn't there counts as the engine counts
 /// it: CTickLadder::kFallbackTick. No fault of the record shows here: they are for the engine.
 CTickLadder TickLadderOf(CEmbeddedBus& bus, const std::wstring& symbol);
+
+/// The whole part of "Weight" of a symbol's product, 1 without it: as the engine reads it.
+int64_t ContractWeightOf(CEmbeddedBus& bus, const std::wstring& symbol);
 
 }  // namespace iorder

@@ -7,6 +7,7 @@
 #include "terminal/accounts_record.h"
 #include "terminal/bus_thread.h"
 #include "terminal/day.h"
+#include "terminal/engine_messages.h"
 #include "terminal/event_feed.h"
 #include "terminal/host_sink.h"
 #include "terminal/market_figures.h"
@@ -30,6 +31,7 @@ struct TerminalParts {
   CSettingsFiles settings;
   CBusThread busThread;
   CAccountsRecord accounts;
+  CEngineMessages messages;
   COrderService orders;
   std::unique_ptr<CMarketFigures> figures;  ///< none: the lines of the day give them
   CQuotePlayer quotes;

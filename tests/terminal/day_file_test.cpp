@@ -73,7 +73,8 @@ TEST_F(DayFile, AllKeysOfTheHeadAreRead) {
           R"({"day": {"start": "2024-03-04T15:00:00", "end": "05:00:00", "timezone": "America/Chicago", )"
           R"("seed": 7, "phases": "manual", "subscriptions": "open", "subscription_ms": 20, "database": "none", )"
           R"("orders": {"latency_ms": 20, "fill": "through", "partial": 0.5, "reject": "0.25", "chase": false, )"
-          R"("late_ms": 30, "out_of_order": true, "repeat": 0.1, "lost_ack": 1, "rec_fill_lag_ms": 40}, )"
+          R"("late_ms": 30, "out_of_order": true, "repeat": 0.1, "lost_ack": 1, "rec_fill_lag_ms": 40, )"
+          R"("failed_child": 0.1, "lost_child": 0.2, "late_child": 0.3, "lost_end": 0.4}, )"
           R"("figures": "given", "figures_ms": 100, "folder": "files"}})")
           .head;
   EXPECT_EQ("2024-03-05T05:00:00.000", ToText(*head.end));
@@ -86,6 +87,10 @@ TEST_F(DayFile, AllKeysOfTheHeadAreRead) {
   EXPECT_EQ(OrderRules::Fill::kThrough, head.orders->fill);
   EXPECT_EQ(2'500'000'000, head.orders->reject);
   EXPECT_FALSE(head.orders->chase);
+  EXPECT_EQ(1'000'000'000, head.orders->failedChild);
+  EXPECT_EQ(2'000'000'000, head.orders->lostChild);
+  EXPECT_EQ(3'000'000'000, head.orders->lateChild);
+  EXPECT_EQ(4'000'000'000, head.orders->lostEnd);
   EXPECT_EQ(5'000'000'000, head.orders->partial);
   EXPECT_EQ(Milliseconds(20), head.orders->latency);
   EXPECT_EQ(Milliseconds(30), head.orders->late);
@@ -114,6 +119,12 @@ TEST_F(DayFile, MistakesInTheHeadNameTheKey) {
             HeadMistake(R"("orders": {"lost_acks": 1})"));
   EXPECT_EQ("a.day.jsonl:1: 'repeat' in orders: must lie from 0 to 1",
             HeadMistake(R"("orders": {"repeat": -0.1})"));
+  EXPECT_EQ("a.day.jsonl:1: unknown key 'lost_childs' in orders; did you mean 'lost_child'?",
+            HeadMistake(R"("orders": {"lost_childs": 1})"));
+  for (const std::string key : {"failed_child", "lost_child", "late_child", "lost_end"}) {
+    EXPECT_EQ("a.day.jsonl:1: '" + key + "' in orders: must lie from 0 to 1",
+              HeadMistake("\"orders\": {\"" + key + "\": 1.1}"));
+  }
   EXPECT_THAT(HeadMistake(R"("orders": {"late_ms": -1})"), HasSubstr("'late_ms' in orders"));
   EXPECT_EQ("a.day.jsonl:1: key 'start' is missing in day", Mistake("", "{\"day\": {\"seed\": 1}}"));
   EXPECT_EQ("a.day.jsonl:1: 'start' in day: expected YYYY-MM-DDTHH:MM:SS[.mmm], found '2024-02-30T08:00:00'",

@@ -141,7 +141,7 @@ TEST(PriceWords, NameTheBestPriceAndTheTicks) {
 // ---- Order strings ----
 
 OrderRequest Request(const wchar_t* text) {
-  return ReadOrderRequest(ParseOrderText(text));
+  return ReadOrderRequest(ParseOrderText(text), true);
 }
 
 TEST(OrderRequest, ALimitOrderHasAPriceOrWords) {
