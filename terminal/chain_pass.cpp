@@ -24,6 +24,8 @@ void CChainPass::Run(FigureChain& chain, TimePoint now, std::optional<TimePoint>
     m_due.push_back(&option);
     m_terms.push_back({FromScaled(option.strike), option.volatility, option.isCall});
   }
+  if (m_due.empty()) return;
+  chain.lastTime = now;
   m_figures.resize(m_due.size());
   const double forward = chain.forward != NoValue ? FromScaled(chain.forward) : 0;
   BlackFigures(forward, expiry ? YearsBetween(now, *expiry) : 0, m_terms, m_figures);

@@ -220,7 +220,6 @@ void CMarketFigures::UpdateOptions(FigureChain& chain) {
     const TimePoint now = m_runtime.Now();
     if (!chain.due || *chain.due > now) return;  // what was due came earlier
     chain.due.reset();
-    chain.lastTime = now;
     m_pass.Run(chain, now, ExpiryOf(chain), m_period);
     if (m_pass.LeavesSome()) ScheduleOptions(chain);
   }

@@ -346,10 +346,13 @@ void CEmbeddedBus::Apply(const RecordChange& change) {
 }
 
 void CEmbeddedBus::Change(CBusObject& record, const RecordChange& change, const Firing& firing) {
+  const std::function<void()>* watch = nullptr;
   {
     CLockGuard guard(m_section);
     ApplyLocked(record, change);
+    watch = WatchLocked(record.m_name);
   }
+  if (watch != nullptr) (*watch)();
   Fire(record, firing);
 }
 

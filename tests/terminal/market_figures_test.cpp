@@ -2,29 +2,14 @@
 
 #include <gmock/gmock.h>
 
-#include <cmath>
-
 #include "terminal/chain_volatility.h"
 #include "terminal/implied_volatility.h"
-#include "tests/terminal/terminal_fixture.h"
+#include "tests/terminal/figures_day.h"
 
 namespace iorder::testing {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
-double NormalShare(double x) {
-  return 0.5 * std::erfc(-x / std::sqrt(2.0));
-}
-
-/// Black's price of an option on a future, without interest.
-double BlackPrice(bool isCall, double strike, double future, double percent, double years) {
-  const double deviation = percent / 100 * std::sqrt(years);
-  const double d1 = std::log(future / strike) / deviation + deviation / 2;
-  const double call = future * NormalShare(d1) - strike * NormalShare(d1 - deviation);
-  return isCall ? call : call - future + strike;
-}
 
 ScaledValue Scaled(double number) {
   return ToScaled(number);
@@ -44,7 +29,9 @@ TEST(ImpliedVolatility, IsTheOneThatThePriceWasMadeWith) {
 }
 
 TEST(ImpliedVolatility, APriceOutsideTheModelImpliesNothing) {
-  EXPECT_EQ(std::nullopt, ImpliedVolatility(true, 100, 110, 9, 0.1));    // below what exercise brings
+  EXPECT_EQ(std::nullopt, ImpliedVolatility(true, 100, 110, 9, 0.1));   // below what exercise brings
+  EXPECT_EQ(std::nullopt, ImpliedVolatility(true, 100, 110, 10, 0.1));  // just that: a volatility of 0
+  EXPECT_EQ(std::nullopt, ImpliedVolatility(false, 110, 100, 10, 0.1));
   EXPECT_EQ(std::nullopt, ImpliedVolatility(true, 100, 110, 111, 0.1));  // above the future
   EXPECT_EQ(std::nullopt, ImpliedVolatility(true, 100, 110, 0, 0.1));
   EXPECT_EQ(std::nullopt, ImpliedVolatility(false, 100, 110, -1, 0.1));
@@ -96,59 +83,31 @@ constexpr const wchar_t* kRecord = L"OPT.Volatility.ND.F.TWF.TX.202403";
 constexpr double kYears =
     16.0 / 365 + (15.0 + 1.0 / 6) / 24 / 365;  // 08:50 on the 4th to the end of the 20th
 
-std::string Quote(const std::string& at, const std::string& symbol, double price) {
-  return "{\"at\": \"" + at + "\", \"quote\": \"" + symbol + "\", \"price\": \"" + std::to_string(price) +
-         "\"}\n";
-}
-
 std::string Option(const std::string& at, bool isCall, int strike, double percent,
                    const std::string& chain = "TX.202403") {
-  return Quote(at, "ND.O.TWF." + chain + (isCall ? ".C." : ".P.") + std::to_string(strike),
-               BlackPrice(isCall, strike, 18000, percent, kYears));
+  return TradeLine(at, "ND.O.TWF." + chain + (isCall ? ".C." : ".P.") + std::to_string(strike),
+                   BlackPrice(isCall, strike, 18000, percent, kYears));
 }
 
 const std::string kSymbols =
     R"({"symbols": [{"Symbol": "ND.O.TWF.TX.202403.C.18000", "Type": "O", "ExpDate": "20240320"}]}
 )";
 
-/// A day whose engine subscribes the record when it gets a command, and notes what its updates show.
-class CFiguresDay {
+/// Notes the volatility in tenths of a percent and MCODE.
+class CVolatilityDay : public CFiguresDay {
  public:
-  explicit CFiguresDay(const std::string& lines, const std::string& head = "")
-      : day(lines, R"(, "figures": "market")" + head) {
-    day.engine.onMessage = [this](const std::wstring&, const std::wstring& text, const Value&) {
-      if (text == L"unsubscribe") {
-        day.terminal->Events().Unsubscribe(kRecord);
-        return;
-      }
-      record = day.Open(kRecord);
-      auto sink = std::make_shared<CRecordingSink>();
-      sink->onUpdate = [this] { Note(); };
-      record->Advise(sink);
-      day.terminal->Events().Subscribe(kRecord);
-    };
-    day.Play();
-    EXPECT_THAT(day.problems, IsEmpty());
-    EXPECT_EQ(std::nullopt, day.terminal->Error());
-  }
-
-  CPlayedDay day;
-  std::shared_ptr<IBusObject> record;
-  std::vector<std::string> seen;  ///< "TIME VOLATILITY MCODE", the volatility in tenths of a percent
-
- private:
-  void Note() {
-    const Value value = record->GetValue(read_code::kField, L"ImpVol");
-    const int64_t* const scaled = std::get_if<int64_t>(&value);
-    seen.push_back(day.Clock() + " " +
-                   (scaled != nullptr ? std::to_string((*scaled + 500'000'000) / 1'000'000'000) : "none") +
-                   " " + std::to_string(Int32Or(record->GetValue(read_code::kField, L"MCODE"), 0)));
-  }
+  explicit CVolatilityDay(const std::string& lines, const std::string& head = "")
+      : CFiguresDay(kRecord, lines, head, [](IBusObject& shown) {
+          const std::optional<int64_t> scaled = ScaledField(shown, L"ImpVol");
+          const std::string tenths =
+              scaled ? std::to_string((*scaled + 500'000'000) / 1'000'000'000) : "none";
+          return tenths + " " + std::to_string(Mcode(shown));
+        }) {}
 };
 
 TEST(MarketFigures, ASubscribedRecordShowsWhatTheMarketImplies) {
-  CFiguresDay day(kSymbols + Quote("08:50:00", "ND.F.TWF.TX.202403", 18000) +
-                  Option("08:50:00", true, 18000, 20) + "{\"command\": \"subscribe\"}\n");
+  CVolatilityDay day(kSymbols + TradeLine("08:50:00", "ND.F.TWF.TX.202403", 18000) +
+                     Option("08:50:00", true, 18000, 20) + "{\"command\": \"subscribe\"}\n");
   EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 200 1"));
 }
 
@@ -158,41 +117,41 @@ TEST(MarketFigures, TheEndDateOfAQuoteCountsBeforeThatOfTheSymbolsWhicheverComes
 )";
   const std::string quote = R"({"quote": "ND.O.TWF.TX.202403.C.18000", "end_date": 20240320}
 )";
-  const std::string market = Quote("08:50:00", "ND.F.TWF.TX.202403", 18000) +
+  const std::string market = TradeLine("08:50:00", "ND.F.TWF.TX.202403", 18000) +
                              Option("08:50:00", true, 18000, 20) + "{\"command\": \"subscribe\"}\n";
   for (const std::string& setup : {symbols + quote, quote + symbols}) {
-    CFiguresDay day(setup + market);
+    CVolatilityDay day(setup + market);
     EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 200 1"));
   }
 }
 
 TEST(MarketFigures, ARecordIsUpdatedWhenItChangesAndAtMostOnceInItsPeriod) {
-  CFiguresDay day(kSymbols + Quote("08:50:00", "ND.F.TWF.TX.202403", 18000) +
-                      Option("08:50:00", true, 18000, 20) + "{\"command\": \"subscribe\"}\n" +
-                      Option("08:50:00.100", true, 18000, 30) + Option("08:50:00.200", true, 18000, 25) +
-                      Option("08:50:00.300", true, 18000, 25) + Option("08:50:02", true, 18000, 40),
-                  R"(, "figures_ms": 500)");
+  CVolatilityDay day(kSymbols + TradeLine("08:50:00", "ND.F.TWF.TX.202403", 18000) +
+                         Option("08:50:00", true, 18000, 20) + "{\"command\": \"subscribe\"}\n" +
+                         Option("08:50:00.100", true, 18000, 30) + Option("08:50:00.200", true, 18000, 25) +
+                         Option("08:50:00.300", true, 18000, 25) + Option("08:50:02", true, 18000, 40),
+                     R"(, "figures_ms": 500)");
   EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 200 1", "08:50:00.500 250 1", "08:50:02.000 400 1"));
 }
 
 TEST(MarketFigures, TheFutureMovesTheFigureToo) {
-  CFiguresDay day(kSymbols + Quote("08:50:00", "ND.F.TWF.TX.202403", 17000) +
-                  Option("08:50:00", true, 18000, 20) + "{\"command\": \"subscribe\"}\n" +
-                  Quote("08:50:01", "ND.F.TWF.TX.202403", 18000));
+  CVolatilityDay day(kSymbols + TradeLine("08:50:00", "ND.F.TWF.TX.202403", 17000) +
+                     Option("08:50:00", true, 18000, 20) + "{\"command\": \"subscribe\"}\n" +
+                     TradeLine("08:50:01", "ND.F.TWF.TX.202403", 18000));
   ASSERT_EQ(2U, day.seen.size());
   EXPECT_EQ("08:50:01.000 200 1", day.seen[1]);
 }
 
 TEST(MarketFigures, WhatNobodyWantsIsNotWorkedOut) {
-  CFiguresDay day(kSymbols + Quote("08:50:00", "ND.F.TWF.TX.202403", 18000) +
-                  Option("08:50:00", true, 18000, 20) +
-                  "{\"command\": \"subscribe\"}\n{\"at\": \"08:51:00\", \"command\": \"unsubscribe\"}\n" +
-                  Option("08:52:00", true, 18000, 40));
+  CVolatilityDay day(kSymbols + TradeLine("08:50:00", "ND.F.TWF.TX.202403", 18000) +
+                     Option("08:50:00", true, 18000, 20) +
+                     "{\"command\": \"subscribe\"}\n{\"at\": \"08:51:00\", \"command\": \"unsubscribe\"}\n" +
+                     Option("08:52:00", true, 18000, 40));
   EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 200 1"));
 }
 
 TEST(MarketFigures, WithoutAMarketTheRecordIsThereAndEmpty) {
-  CFiguresDay day("{\"at\": \"08:50:00\", \"command\": \"subscribe\"}\n");
+  CVolatilityDay day("{\"at\": \"08:50:00\", \"command\": \"subscribe\"}\n");
   ASSERT_NE(nullptr, day.record);
   EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 none 0"));
 }
@@ -202,9 +161,9 @@ TEST(MarketFigures, TheSettingsNameTheFutureOfAProductAndTheQuoteTheExpiry) {
       R"({"settings": "ComShared/OpenLottery.ini", "text": "[UnderlyingF]\nND.O.TWF.TX=ND.F.TWF.OTHER\nND.O.TWF.TXW=ND.F.TWF.TX\n"}
 {"quote": "ND.O.TWF.TXW.202403.C.18000", "end_date": 20240320}
 )";
-  CFiguresDay day(product + kSymbols + Quote("08:50:00", "ND.F.TWF.TX.202403", 18000) +
-                  Option("08:50:00", true, 18000, 20) + Option("08:50:00", true, 18000, 30, "TXW.202403") +
-                  Option("08:50:00", true, 18000, 50, "TXW.202404") + "{\"command\": \"subscribe\"}\n");
+  CVolatilityDay day(product + kSymbols + TradeLine("08:50:00", "ND.F.TWF.TX.202403", 18000) +
+                     Option("08:50:00", true, 18000, 20) + Option("08:50:00", true, 18000, 30, "TXW.202403") +
+                     Option("08:50:00", true, 18000, 50, "TXW.202404") + "{\"command\": \"subscribe\"}\n");
   EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 300 1"));
 }
 
