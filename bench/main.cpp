@@ -29,6 +29,8 @@ int main(int argumentCount, char** arguments) {
     ratios.push_back(ReportAgainstWrite(folder, kRepeats));
     for (Ratio& ratio : PricesAgainstQuantLib(kRepeats)) ratios.push_back(std::move(ratio));
     ratios.push_back(FiguresAgainstQuantLib(kRepeats));
+    for (Ratio& ratio : ScansAgainstLookups(kRepeats)) ratios.push_back(std::move(ratio));
+    ratios.push_back(GroupCommandAgainstDocument(kRepeats));
     ratios.push_back(ProfitPass("one quote valued, 100 strategies of 50 positions",
                                 "10 strategies of 50 positions", {10, 50}, {100, 50}, kRepeats));
     ratios.push_back(ProfitPass("one quote valued, 100 strategies of 50 positions",
