@@ -4,11 +4,27 @@
 
 namespace iorder {
 
+namespace {
+
+/// More than all keys and numbers take.
+constexpr size_t kFixedSize = 320;
+
+size_t VariableSize(const stcIntlgntOrd& order, const CGroupOrderString& string,
+                    std::wstring_view chasePrice) {
+  return string.symbol.size() + string.groupId.size() + chasePrice.size() + order.strBrokerID.size() +
+         order.strAccount.size() + order.strStrategyID.size() + order.strStrategyName.size() +
+         order.strUserKey1.size() + order.strUserKey2.size() + order.strUserKey3.size();
+}
+
+}  // namespace
+
 std::wstring FormatGroupOrder(const stcIntlgntOrd& order, const CGroupOrderString& string,
                               std::wstring_view chasePrice) {
   std::wstring text;
-  text.reserve(512);
-  const auto add = [&text](const wchar_t* key, std::wstring_view value) { text.append(key).append(value); };
+  text.reserve(kFixedSize + VariableSize(order, string, chasePrice));
+  const auto add = [&text](std::wstring_view key, std::wstring_view value) {
+    text.append(key).append(value);
+  };
   add(L"TYPE=", string.type);
   add(L",BROKERID=", order.strBrokerID);
   add(L",ACCOUNT=", order.strAccount);

@@ -71,10 +71,10 @@ class CBaseData::Connection : public IBusEvents {
   std::atomic<int32_t> m_ownWriter{kNoWriter};
 };
 
-CBaseData::CBaseData(World& world)
-    : m_world(world), m_connection(std::make_shared<Connection>(world, this)) {}
+CBaseData::CBaseData(World& world) : m_world(world) {}
 
 CBaseData::~CBaseData() {
+  if (m_connection == nullptr) return;
   CutOffShield shield(m_world.runtime);
   m_connection->WaitGate();
   m_connection->SetReceiver(nullptr);
@@ -87,7 +87,10 @@ CBaseData::~CBaseData() {
 }
 
 bool CBaseData::Attach(CBaseDataEventReceiver* receiver, std::shared_ptr<IBusObject> object) {
-  m_connection->SetReceiver(receiver);
+  if (m_connection == nullptr && receiver != nullptr) {
+    m_connection = std::make_shared<Connection>(m_world, this);
+  }
+  if (m_connection != nullptr) m_connection->SetReceiver(receiver);
   if (m_object != nullptr) return true;
   m_object = object != nullptr ? std::move(object) : m_world.bus.CreateObject();
   if (m_object == nullptr) return false;
@@ -208,7 +211,7 @@ std::unique_ptr<CBaseData> CBaseData::OpenNodeByName(std::wstring_view name,
 int32_t CBaseData::BeginWrite() {
   if (m_object == nullptr) return -1;
   const int32_t token = m_object->BeginWrite();
-  m_connection->SetWriter(token);
+  if (m_connection != nullptr) m_connection->SetWriter(token);
   return token;
 }
 

@@ -90,7 +90,8 @@ class CBaseData {
   World& m_world;
   std::shared_ptr<IBusObject> m_object;
   /// The receiver, the gate, the cookie and the own writer identity: what an event in flight needs. It
-  /// outlives the handle for as long as the bus is calling it.
+  /// outlives the handle for as long as the bus is calling it. None for a handle that is only read, so that
+  /// a walk over a chain's records makes none.
   std::shared_ptr<Connection> m_connection;
   std::atomic<int32_t> m_itemCount{-1};
   std::atomic<int32_t> m_nodeCount{-1};

@@ -9,6 +9,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/critical_section.h"
@@ -163,7 +164,8 @@ class CEmbeddedBus : public IRecordBus {
   CCriticalSection m_section;
   /// The object of handle n stands at n - 1. It only grows.
   std::deque<std::shared_ptr<CBusObject>> m_objects IORDER_GUARDED_BY(m_section);
-  std::map<std::wstring, int32_t, std::less<>> m_handles IORDER_GUARDED_BY(m_section);
+  /// Of the records that a name opens; never walked.
+  std::unordered_map<std::wstring, int32_t> m_handles IORDER_GUARDED_BY(m_section);
   std::map<std::wstring, uint64_t> m_subscribed IORDER_GUARDED_BY(m_section);
   uint64_t m_subscriptionCount IORDER_GUARDED_BY(m_section) = 0;
   std::map<std::wstring, std::function<void()>> m_watches IORDER_GUARDED_BY(m_section);
