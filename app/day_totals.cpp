@@ -17,6 +17,7 @@ std::string StateOf(const CDayTotals::Strategy& strategy) {
 
 void CDayTotals::Add(const Happening& happening) {
   m_positions.Add(happening);
+  m_groupOrders.Add(happening);
   if (const auto* started = std::get_if<StrategyStarted>(&happening)) {
     m_strategies[started->strategy].isGone = false;
   } else if (const auto* gone = std::get_if<StrategyGone>(&happening)) {
@@ -29,6 +30,7 @@ void CDayTotals::Add(const Happening& happening) {
     m_strategies[judged->strategy].accepted += judged->accepted ? 1 : 0;
   } else if (const auto* order = std::get_if<OrderSent>(&happening)) {
     ++m_orders;
+    if (order->group) return;
     Strategy& strategy = m_strategies[order->strategy];
     ++strategy.orders;
     strategy.lots += order->lots;
@@ -57,7 +59,9 @@ std::string CDayTotals::StrategyTable() const {
 }
 
 std::string CDayTotals::Table() const {
-  return m_positions.Table() + StrategyTable() +
+  std::string groupOrders = m_groupOrders.Table();
+  if (!groupOrders.empty() && !m_strategies.empty()) groupOrders.insert(0, "\n");
+  return m_positions.Table() + StrategyTable() + groupOrders +
          fmt::format("{} orders, {} cancels, {} faults\n", m_orders, m_cancels, m_faults);
 }
 
@@ -79,6 +83,7 @@ std::string CDayTotals::Json(const std::vector<std::string>& errors) const {
   }
   writer.EndList();
   m_positions.WriteJson(writer);
+  m_groupOrders.WriteJson(writer);
   writer.Number("orders", m_orders);
   writer.Number("cancels", m_cancels);
   writer.Number("faults", m_faults);

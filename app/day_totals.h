@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "app/group_order_totals.h"
 #include "app/happening.h"
 #include "app/position_totals.h"
 
@@ -40,6 +41,7 @@ class CDayTotals {
 
   std::map<std::string, Strategy> m_strategies;
   CPositionTotals m_positions;
+  CGroupOrderTotals m_groupOrders;
   int64_t m_orders = 0;
   int64_t m_cancels = 0;
   int64_t m_faults = 0;

@@ -5,13 +5,14 @@
 #include <string>
 #include <variant>
 
+#include "app/group_order_happening.h"
 #include "records/scaled_value.h"
 
 namespace iorder {
 
 /// A new order left the engine.
 struct OrderSent {
-  std::string strategy;  ///< key of the strategy; empty if the order names none
+  std::string strategy;  ///< key of the strategy; empty if the order is of none
   std::string account;   ///< BROKER/ACCOUNT
   std::string symbol;
   std::string side;  ///< B or S
@@ -19,7 +20,8 @@ struct OrderSent {
   std::optional<ScaledValue> price;  ///< none for a market order and where the price is told by `priceWords`
   std::string priceWords;            ///< a price relative to the market, as in BID-3T
   bool closes = false;
-  std::string text;  ///< the order string as it was sent
+  std::optional<GroupString> group;  ///< none: the order is of no group order
+  std::string text;                  ///< the order string as it was sent
 };
 
 /// A cancel left the engine.
@@ -146,6 +148,8 @@ struct WeightKnown {
 using Happening =
     std::variant<OrderSent, CancelSent, OptionJudged, OrderAnswered, StateChanged, StrategyStarted,
                  StrategyGone, BatchPlaced, OrderFilled, PositionChanged, PositionValued, TagTotalChanged,
-                 LimitReached, RunEnded, WeightKnown, CommandRefused, FaultReported>;
+                 LimitReached, RunEnded, WeightKnown, GroupOrderLooked, GroupCycleMade, GroupLegChosen,
+                 GroupChildAnnounced, GroupChildChanged, GroupLookPlanned, GroupOrderEnded, CommandRefused,
+                 FaultReported>;
 
 }  // namespace iorder

@@ -1,5 +1,6 @@
 #include "app/happening_json.h"
 
+#include "app/group_order_json.h"
 #include "app/happening_text.h"
 #include "app/object_writer.h"
 #include "app/symbol_words.h"
@@ -12,7 +13,7 @@ void Write(CObjectWriter& members, const OrderSent& order) {
   members.Text("strategy", order.strategy);
   members.Text("account", order.account);
   members.Text("symbol", order.symbol);
-  members.Text("side", SideWords(order));
+  members.Text("side", SideWords(order.side));
   members.Number("lots", order.lots);
   if (order.price) {
     members.Digits("price", DecimalText(*order.price));
@@ -22,6 +23,7 @@ void Write(CObjectWriter& members, const OrderSent& order) {
     members.Null("price");
   }
   members.Flag("closes", order.closes);
+  if (order.group) WriteString(members, *order.group);
   members.Text("text", order.text);
 }
 

@@ -34,17 +34,34 @@ std::string_view OrderField(std::string_view order, std::string_view key) {
   return {};
 }
 
-OrderSent ReadOrder(std::string_view text) {
-  OrderSent order;
+/// A group order's string has no price of its own, and its user keys are the client's.
+GroupString ReadGroupString(std::string_view text) {
+  GroupString group;
+  group.order.id = OrderField(text, "STRATEGY");
+  group.groupId = OrderField(text, "GROUPID");
+  group.chase = OrderField(text, "CHASEPRICE");
+  return group;
+}
+
+void ReadOwnerAndPrice(std::string_view text, OrderSent& order) {
+  if (OrderField(text, "SYNTHETIC") == "1") {
+    order.group = ReadGroupString(text);
+    return;
+  }
   const std::string_view owner = OrderField(text, "USERKEY2");
   order.strategy = owner.substr(0, owner.find('@'));
+  const std::string_view price = OrderField(text, "PRICE");
+  if (price != kNoPriceText) order.price = ReadInteger(price);
+  order.priceWords = OrderField(text, "PRICESTRING");
+}
+
+OrderSent ReadOrder(std::string_view text) {
+  OrderSent order;
+  ReadOwnerAndPrice(text, order);
   order.account = std::string(OrderField(text, "BROKERID")) + '/' + std::string(OrderField(text, "ACCOUNT"));
   order.symbol = OrderField(text, "SYMBOL");
   order.side = OrderField(text, "SIDE");
   order.lots = ReadInteger(OrderField(text, "QTY")).value_or(0);
-  const std::string_view price = OrderField(text, "PRICE");
-  if (price != kNoPriceText) order.price = ReadInteger(price);
-  order.priceWords = OrderField(text, "PRICESTRING");
   order.closes = OrderField(text, "POSITIONEFFECT") == "1";
   order.text = text;
   return order;

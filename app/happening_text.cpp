@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "app/group_order_words.h"
 #include "app/symbol_words.h"
 
 namespace iorder {
@@ -15,13 +16,14 @@ template <typename... Cases>
 Match(Cases...) -> Match<Cases...>;
 
 std::string PriceWords(const OrderSent& order) {
+  if (order.group) return GroupStringWords(*order.group);
   if (order.price) return "at " + DecimalText(*order.price);
   return order.priceWords.empty() ? "at the market" : "at " + order.priceWords;
 }
 
 std::string OrderWords(const OrderSent& order) {
   if (order.symbol.empty()) return "order         " + order.text;
-  return fmt::format("order         {} {} {} {}{}, account {}", SideWords(order), order.lots,
+  return fmt::format("order         {} {} {} {}{}, account {}", SideWords(order.side), order.lots,
                      SymbolWords(order.symbol), PriceWords(order), order.closes ? ", closes" : "",
                      order.account);
 }
@@ -69,9 +71,9 @@ std::string LimitWords(const LimitReached& limit) {
 
 }  // namespace
 
-std::string SideWords(const OrderSent& order) {
-  if (order.side == "B") return "buy";
-  return order.side == "S" ? "sell" : order.side;
+std::string SideWords(const std::string& side) {
+  if (side == "B") return "buy";
+  return side == "S" ? "sell" : side;
 }
 
 std::string StateWords(int64_t state) {
@@ -139,6 +141,13 @@ std::string Words(const Happening& happening) {
             return fmt::format("weight        {}: a point is worth {}", SymbolWords(known.symbol),
                                known.weight);
           },
+          [](const GroupOrderLooked& look) { return Words(look); },
+          [](const GroupCycleMade& cycle) { return Words(cycle); },
+          [](const GroupLegChosen& leg) { return Words(leg); },
+          [](const GroupChildAnnounced& child) { return Words(child); },
+          [](const GroupChildChanged& child) { return Words(child); },
+          [](const GroupLookPlanned& look) { return Words(look); },
+          [](const GroupOrderEnded& ended) { return Words(ended); },
           [](const CommandRefused& refused) {
             return "not readable  the command isn't JSON: " + refused.reason;
           },

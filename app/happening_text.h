@@ -12,7 +12,7 @@ std::string StateWords(int64_t state);
 /// One readable line without its time and end; empty for what isn't worth a line.
 std::string Words(const Happening& happening);
 
-/// The side of an order: "buy", "sell", or as it was sent.
-std::string SideWords(const OrderSent& order);
+/// A side as orders spell it, in words: "buy", "sell", or as it is.
+std::string SideWords(const std::string& side);
 
 }  // namespace iorder

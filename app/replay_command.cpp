@@ -227,6 +227,7 @@ int Run(const Arguments& arguments) {
   if (!arguments.log.empty()) listeners.push_back(&log.emplace(arguments.log));
 
   CDayRun run(day, OptionsOf(arguments.run), listeners);
+  run.WatchGroupOrders(happenings);
   const std::vector<std::string> errors = RunWatched(run, clock, status);
   status.Clear();
   if (trace) trace->Commit();
@@ -264,7 +265,8 @@ void AddReplayCommand(CLI::App& program, Job& job) {
       ->check(Name("a file"));
   command
       ->add_option("--csv", arguments->tables,
-                   "Write orders, fills, positions and the profit curve as tables into this folder")
+                   "Write orders, fills, positions, the profit curve, and the cycles, legs and children of "
+                   "group orders as tables into this folder")
       ->type_name("DIR")
       ->check(Name("a folder"));
   command

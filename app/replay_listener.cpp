@@ -20,7 +20,24 @@ std::string FaultCode(uint32_t code) {
 }  // namespace
 
 CHappeningListener::CHappeningListener(Tell tell)
-    : m_reader([this, tell = std::move(tell)](const Happening& happening) { tell(m_time, happening); }) {}
+    : m_tell(std::move(tell)),
+      m_groupOrders([this](const Happening& happening) { m_tell(m_time, happening); }),
+      m_reader([this](const Happening& happening) { Hand(happening); }) {}
+
+void CHappeningListener::Hand(const Happening& happening) {
+  const auto* order = std::get_if<OrderSent>(&happening);
+  if (order == nullptr || !order->group) return m_tell(m_time, happening);
+  OrderSent complete = *order;
+  m_groupOrders.Complete(complete);
+  m_tell(m_time, complete);
+}
+
+IGroupOrderWatch& CHappeningListener::GroupOrders(const DateTime& local) {
+  m_time.clear();
+  AppendDateTime(local, m_time);
+  m_groupOrders.SetNow(ToLocalTime(local));
+  return m_groupOrders;
+}
 
 void CHappeningListener::OnEvent(const TraceEvent& event) {
   const bool isRead =

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "app/group_order_reader.h"
 #include "app/happening_reader.h"
 #include "app/output_file.h"
 #include "terminal/day.h"
@@ -12,7 +13,8 @@
 
 namespace iorder {
 
-/// Reads the engine's events as happenings and hands each on, with its local time "YYYY-MM-DDTHH:MM:SS.mmm".
+/// Reads the engine's events, and what its group orders decide, as happenings and hands each on, with its
+/// local time "YYYY-MM-DDTHH:MM:SS.mmm".
 class CHappeningListener : public ITerminalListener {
  public:
   using Tell = std::function<void(const std::string& at, const Happening& happening)>;
@@ -21,8 +23,15 @@ class CHappeningListener : public ITerminalListener {
 
   void OnEvent(const TraceEvent& event) override;
 
+  /// What hears of the group orders at this local time, by turns with OnEvent.
+  IGroupOrderWatch& GroupOrders(const DateTime& local);
+
  private:
+  void Hand(const Happening& happening);
+
+  const Tell m_tell;
   std::string m_time;  ///< of the event that is being read
+  CGroupOrderReader m_groupOrders;
   CHappeningReader m_reader;
 };
 

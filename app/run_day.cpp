@@ -35,11 +35,16 @@ CDayRun::CDayRun(const Day& day, const RunOptions& options, const std::vector<IT
   for (ITerminalListener* const listener : listeners) m_terminal.AddListener(*listener);
 }
 
+void CDayRun::WatchGroupOrders(CHappeningListener& listener) {
+  m_groupOrders.emplace(m_terminal, listener);
+}
+
 std::vector<std::string> CDayRun::Run() {
   std::vector<std::string> errors = m_runtime->Run([this] {
     // The engine's threads belong to the run, so it goes before the run is over.
     CIntelligentOrder engine(m_terminal.GetWorld());
     engine.Advise(&m_terminal.Events());
+    if (m_groupOrders) engine.SetWatch(&*m_groupOrders);
     m_terminal.Play(engine);
   });
   if (m_terminal.Error()) throw InputError(*m_terminal.Error());

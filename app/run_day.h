@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/group_order_watcher.h"
 #include "platform/world_runtime.h"
 #include "terminal/day.h"
 #include "terminal/embedded_terminal.h"
@@ -28,6 +29,9 @@ class CDayRun {
   /// The listeners hear what happens. Day and listeners outlive the run.
   CDayRun(const Day& day, const RunOptions& options, const std::vector<ITerminalListener*>& listeners);
 
+  /// Before Run: the listener, which is one of the listeners, hears of group orders too. It outlives the run.
+  void WatchGroupOrders(CHappeningListener& listener);
+
   /// Plays the day to its end. Gives what went wrong with the run itself (a deadlock, a cycle in the order of
   /// locks), one text each; empty is good. A mistake in the day that shows only as it is played is an
   /// InputError.
@@ -39,6 +43,7 @@ class CDayRun {
  private:
   std::unique_ptr<IWorldRuntime> m_runtime;
   CEmbeddedTerminal m_terminal;
+  std::optional<CGroupOrderWatcher> m_groupOrders;
 };
 
 }  // namespace iorder

@@ -49,14 +49,15 @@ std::string SymbolWords(std::string_view symbol) {
   return fmt::format("{} {} {}", series, parts[6], parts[5] == "C" ? "call" : "put");
 }
 
-std::string DecimalText(ScaledValue value) {
+std::string DecimalText(ScaledValue value, int places) {
   if (value == NoValue) return "none";
-  constexpr uint64_t kUnit = 10'000'000'000u;
+  uint64_t unit = 1;
+  for (int i = 0; i < places; ++i) unit *= 10;
   const auto magnitude =
       value < 0 ? uint64_t{0} - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
-  std::string text = fmt::format("{}{}", value < 0 ? "-" : "", magnitude / kUnit);
-  if (magnitude % kUnit == 0) return text;
-  text += fmt::format(".{:010}", magnitude % kUnit);
+  std::string text = fmt::format("{}{}", value < 0 ? "-" : "", magnitude / unit);
+  if (magnitude % unit == 0) return text;
+  text += fmt::format(".{:0{}}", magnitude % unit, places);
   text.erase(text.find_last_not_of('0') + 1);
   return text;
 }

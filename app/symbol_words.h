@@ -12,8 +12,9 @@ namespace iorder {
 /// "TX hot month future". What doesn't follow the grammar stays as it is.
 std::string SymbolWords(std::string_view symbol);
 
-/// The decimal that a scaled value stands for, exactly and without trailing zeros; "none" for NoValue.
-std::string DecimalText(ScaledValue value);
+/// The decimal that a scaled value stands for, exactly and without trailing zeros; "none" for NoValue. A
+/// field on a scale of its own has more places than ten.
+std::string DecimalText(ScaledValue value, int places = 10);
 
 /// A price or an average, to six places and without trailing zeros.
 std::string PriceText(double price);

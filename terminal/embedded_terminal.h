@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -31,6 +32,9 @@ class CEmbeddedTerminal {
   IHostEvents& Events() { return m_parts.sink; }
   /// Before Play; the listener outlives the terminal.
   void AddListener(ITerminalListener& listener) { m_parts.feed.Add(listener); }
+
+  /// As CEventFeed::Aside; from any thread of the runtime.
+  void Aside(const std::function<void(const DateTime& local)>& tell) { m_parts.feed.Aside(tell); }
 
   /// Plays the day to its end, on the thread "host". Raises nothing: what is wrong with the day and showed
   /// only as it was played is in Error afterwards.

@@ -22,6 +22,12 @@ void CEventFeed::Tell(TraceEvent event) {
   }
 }
 
+void CEventFeed::Aside(const std::function<void(const DateTime& local)>& tell) {
+  CutOffShield shield(m_runtime);
+  CLockGuard guard(m_section);
+  tell(m_runtime.LocalTime());
+}
+
 void CEventFeed::OnFire(const std::wstring& record, int32_t originator, const std::wstring& payload,
                         bool replace) {
   TraceEvent event;

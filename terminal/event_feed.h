@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -23,6 +24,10 @@ class CEventFeed : public IBusObserver {
 
   /// Fills in time and thread, and passes the event on.
   void Tell(TraceEvent event);
+
+  /// Runs `tell` between two events, as a listener hears them, with the local time: for who hears of the
+  /// engine on another way. It must not call back, and it must not raise.
+  void Aside(const std::function<void(const DateTime& local)>& tell);
 
   void OnFire(const std::wstring& record, int32_t originator, const std::wstring& payload,
               bool replace) override;

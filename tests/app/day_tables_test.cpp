@@ -21,13 +21,14 @@ const std::string kDay = IORDER_EXAMPLES "/days/profit-limit.day.jsonl";
 TEST(DayTables, HoldTheOrdersFillsPositionsAndProfitOfADay) {
   const CProgramFolder folder;
   ASSERT_EQ(folder.Run("replay " + kDay + " --csv tables").exitCode, 0);
-  EXPECT_THAT(folder.Files(), ElementsAre("tables", "tables/fills.csv", "tables/orders.csv",
+  EXPECT_THAT(folder.Files(), ElementsAre("tables", "tables/children.csv", "tables/cycles.csv",
+                                          "tables/fills.csv", "tables/legs.csv", "tables/orders.csv",
                                           "tables/positions.csv", "tables/profit.csv"));
   EXPECT_EQ(folder.Read("tables/orders.csv"),
-            "at,strategy,account,symbol,side,lots,price,closes\n"
-            "2024-03-04T08:47:00.050,OpenLottery_S1_1,B1/A1,ND.O.TWF.TX.202403.C.17700,B,3,15,0\n"
-            "2024-03-04T08:47:00.050,OpenLottery_S1_1,B1/A1,ND.O.TWF.TX.202403.C.17600,B,2,15,0\n"
-            "2024-03-04T08:50:00.000,OpenLottery_S1_1,B1/A1,ND.O.TWF.TX.202403.C.17700,S,3,,1\n");
+            "at,strategy,account,symbol,side,lots,price,closes,group_order,number,leg\n"
+            "2024-03-04T08:47:00.050,OpenLottery_S1_1,B1/A1,ND.O.TWF.TX.202403.C.17700,B,3,15,0,,,\n"
+            "2024-03-04T08:47:00.050,OpenLottery_S1_1,B1/A1,ND.O.TWF.TX.202403.C.17600,B,2,15,0,,,\n"
+            "2024-03-04T08:50:00.000,OpenLottery_S1_1,B1/A1,ND.O.TWF.TX.202403.C.17700,S,3,,1,,,\n");
   EXPECT_EQ(folder.Read("tables/fills.csv"),
             "at,strategy,symbol,report,side,lots,price,filled,sent\n"
             "2024-03-04T08:48:00.020,OpenLottery_S1_1,ND.O.TWF.TX.202403.C.17700,R1,B,2,15,2,3\n"
@@ -69,8 +70,8 @@ TEST(DayTables, ACellWithACommaAQuoteOrALineEndIsQuoted) {
             "2024-03-04T08:45:00.000,\"say \"\"so\"\"\",1500,-2.50\n"
             "2024-03-04T08:45:00.000,\"two\nlines\",1500,-2.50\n");
   EXPECT_EQ(folder.Read("t/orders.csv"),
-            "at,strategy,account,symbol,side,lots,price,closes\n"
-            "2024-03-04T08:45:00.000,\"OpenLottery_A,B_1\",\"B,1/A1\",X,B,2,BID-3T,0\n");
+            "at,strategy,account,symbol,side,lots,price,closes,group_order,number,leg\n"
+            "2024-03-04T08:45:00.000,\"OpenLottery_A,B_1\",\"B,1/A1\",X,B,2,BID-3T,0,,,\n");
 }
 
 TEST(DayTables, WithoutCommitThereIsNone) {

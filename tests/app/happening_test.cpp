@@ -152,7 +152,7 @@ TEST_F(HappeningTest, TheTableClosesTheDay) {
   EXPECT_EQ(
       totals.Json({"deadlock"}),
       R"({"kind":"end","strategies":[{"strategy":"OpenLottery_S1_1","state":4,"words":"orders are out",)"
-      R"("accepted":0,"orders":1,"lots":3,"cash":1875,"ended":""}],"positions":[],"tags":[],)"
+      R"("accepted":0,"orders":1,"lots":3,"cash":1875,"ended":""}],"positions":[],"tags":[],"group_orders":[],)"
       R"("orders":1,"cancels":0,"faults":1,"errors":["deadlock"]})");
 }
 

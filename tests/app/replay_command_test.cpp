@@ -97,7 +97,7 @@ TEST_F(Replay, AsJsonEveryLineIsAnObject) {
   EXPECT_EQ(
       lines.back(),
       R"({"kind":"end","strategies":[{"strategy":"OpenLottery_S1_1","state":-1,"words":"not running","accepted":2,)"
-      R"("orders":2,"lots":5,"cash":3750,"ended":"stop time"}],"positions":[],"tags":[{"tag":"S1","cost":0,"profit":0.0}],"orders":2,"cancels":0,"faults":0,"errors":[]})");
+      R"("orders":2,"lots":5,"cash":3750,"ended":"stop time"}],"positions":[],"tags":[{"tag":"S1","cost":0,"profit":0.0}],"group_orders":[],"orders":2,"cancels":0,"faults":0,"errors":[]})");
 }
 
 TEST_F(Replay, ACommandComesAtItsTime) {
