@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "app/day_case.h"
-#include "app/run_day.h"
 #include "platform/parallel.h"
 #include "terminal/day_file.h"
 #include "terminal/input_error.h"
@@ -21,7 +20,7 @@ constexpr uint64_t kSeeds = 3;
 std::string Check(const std::string& path, uint64_t seed) {
   const Day day = ReadDayFile(path);
   CCheckers checkers(day, RulesLeftOut(path));
-  CDayRun run(day, {.seed = seed}, {&checkers});
+  CCheckedRun run(day, seed, checkers);
   const std::string name = path + " --seed " + std::to_string(seed) + " ";
   std::string report;
   try {

@@ -5,20 +5,22 @@
 #include <algorithm>
 #include <iterator>
 
-#include "app/run_day.h"
 #include "terminal/day_file.h"
+#include "tests/checkers/checked_run.h"
 
 namespace iorder::testing {
-namespace {
 
-class CStepRecorder : public ITerminalListener {
+class CStepRecorder : public IRunListener {
  public:
-  explicit CStepRecorder(std::vector<TraceStep>& steps) : m_steps(steps) {}
-  void OnEvent(const TraceEvent& event) override { m_steps.push_back(ReadStep(event)); }
+  explicit CStepRecorder(std::vector<CRecordedDay::Recorded>& steps) : m_steps(steps) {}
+  void OnStep(const TraceStep& step) override { m_steps.push_back({step, std::nullopt}); }
+  void OnRead(const BusRead& read) override { m_steps.push_back({{}, read}); }
 
  private:
-  std::vector<TraceStep>& m_steps;
+  std::vector<CRecordedDay::Recorded>& m_steps;
 };
+
+namespace {
 
 bool ReplaceIn(std::string& text, const std::string& from, const std::string& to) {
   const size_t at = text.find(from);
@@ -43,12 +45,12 @@ CRecordedDay::CRecordedDay(const std::string& lines, const std::string& head) {
       "a.day.jsonl",
       "{\"day\": {\"start\": \"2024-03-04T09:59:50\", \"subscriptions\": \"open\"" + head + "}}\n" + lines));
   CStepRecorder recorder(m_steps);
-  CDayRun run(m_day, {}, {&recorder});
+  CCheckedRun run(m_day, std::nullopt, recorder);
   EXPECT_EQ(std::vector<std::string>(), run.Run());
 }
 
 size_t CRecordedDay::Find(const std::string& where) const {
-  const auto found = std::find_if(m_steps.begin(), m_steps.end(), [&](const TraceStep& step) {
+  const auto found = std::find_if(m_steps.begin(), m_steps.end(), [&](const Recorded& step) {
     return step.text.find(where) != std::string::npos;
   });
   if (found == m_steps.end()) {
@@ -82,14 +84,14 @@ CRecordedDay& CRecordedDay::Drop(const std::string& where, bool all) {
 
 CRecordedDay& CRecordedDay::Repeat(const std::string& where) {
   const size_t at = Find(where);
-  const TraceStep step = m_steps[at];
+  const Recorded step = m_steps[at];
   m_steps.insert(m_steps.begin() + static_cast<std::ptrdiff_t>(at), step);
   return *this;
 }
 
 CRecordedDay& CRecordedDay::Move(const std::string& where, const std::string& behind) {
   const size_t at = Find(where);
-  TraceStep step = m_steps[at];
+  Recorded step = m_steps[at];
   m_steps.erase(m_steps.begin() + static_cast<std::ptrdiff_t>(at));
   const size_t target = Find(behind);
   step.at = m_steps[target].at;
@@ -102,14 +104,68 @@ CRecordedDay& CRecordedDay::OnThread(const std::string& where, const std::string
   return *this;
 }
 
+CRecordedDay& CRecordedDay::ChangeRead(const std::string& record, const std::string& name,
+                                       const Value& value) {
+  const auto found = std::find_if(m_steps.begin(), m_steps.end(), [&](const Recorded& step) {
+    return step.read && step.read->record.starts_with(record) && step.read->name == name;
+  });
+  if (found == m_steps.end()) {
+    ADD_FAILURE() << "nothing reads '" << name << "' of " << record;
+  } else {
+    found->read->value = value;
+  }
+  return *this;
+}
+
+CRecordedDay& CRecordedDay::DropThread(const std::string& thread) {
+  const size_t dropped = std::erase_if(
+      m_steps, [&](const Recorded& step) { return (step.read ? step.read->thread : step.thread) == thread; });
+  EXPECT_GT(dropped, 0U) << "nothing happens on " << thread;
+  return *this;
+}
+
+CRecordedDay& CRecordedDay::MoveThread(const std::string& from, const std::string& to) {
+  for (Recorded& step : m_steps) {
+    std::string& thread = step.read ? step.read->thread : step.thread;
+    if (thread == from) thread = to;
+  }
+  return *this;
+}
+
+CRecordedDay& CRecordedDay::DropRead(BusRead::Kind kind) {
+  const auto found = std::find_if(m_steps.begin(), m_steps.end(), [kind](const Recorded& step) {
+    return step.read && step.read->kind == kind;
+  });
+  if (found == m_steps.end()) {
+    ADD_FAILURE() << "nothing of that kind is read";
+  } else {
+    m_steps.erase(found);
+  }
+  return *this;
+}
+
+std::vector<std::string> CRecordedDay::Texts(const std::string& where) const {
+  std::vector<std::string> texts;
+  for (const Recorded& step : m_steps) {
+    if (step.text.find(where) != std::string::npos) texts.push_back(step.text);
+  }
+  return texts;
+}
+
 bool CRecordedDay::Has(const std::string& text) const {
   return std::any_of(m_steps.begin(), m_steps.end(),
-                     [&](const TraceStep& step) { return step.text.find(text) != std::string::npos; });
+                     [&](const Recorded& step) { return step.text.find(text) != std::string::npos; });
 }
 
 Violations CRecordedDay::Check() const {
   CCheckers checkers(m_day);
-  for (const TraceStep& step : m_steps) checkers.OnStep(step);
+  for (const Recorded& step : m_steps) {
+    if (step.read) {
+      checkers.OnRead(*step.read);
+    } else {
+      checkers.OnStep(step);
+    }
+  }
   return checkers.Finish();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -30,19 +31,36 @@ class CRecordedDay {
   /// Lets the first event whose text has `where` happen on another thread.
   CRecordedDay& OnThread(const std::string& where, const std::string& thread);
 
+  /// Lets the first read of that name from a record whose name begins so give another value.
+  CRecordedDay& ChangeRead(const std::string& record, const std::string& name, const Value& value);
+  /// Takes out all that happens on a thread.
+  CRecordedDay& DropThread(const std::string& thread);
+  /// Lets all that happens on a thread happen on another.
+  CRecordedDay& MoveThread(const std::string& from, const std::string& to);
+  /// Takes out the first read of that kind.
+  CRecordedDay& DropRead(BusRead::Kind kind);
+
   /// The rules that the trace breaks now, each once, in alphabetical order.
   std::set<std::string> BrokenRules() const;
   /// What is said of them.
   std::string Report() const;
   bool Has(const std::string& text) const;
+  /// The texts of all events that have `where`, in their order.
+  std::vector<std::string> Texts(const std::string& where) const;
 
  private:
+  /// An event, or what the engine read between two of them.
+  struct Recorded : TraceStep {
+    std::optional<BusRead> read;
+  };
+  friend class CStepRecorder;
+
   size_t Find(const std::string& where) const;
   Violations Check() const;
 
   std::shared_ptr<CDayFolder> m_folder = std::make_shared<CDayFolder>();
   Day m_day;
-  std::vector<TraceStep> m_steps;
+  std::vector<Recorded> m_steps;
 };
 
 }  // namespace iorder::testing

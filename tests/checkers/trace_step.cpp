@@ -56,8 +56,11 @@ TraceStep ReadStep(const TraceEvent& event) {
   step.text = ToUtf8(event.text);
   step.first = event.first;
   step.second = event.second;
+  step.record = ToUtf8(event.record);
+  if (event.kind == TraceKind::kOpenRecord) step.handle = event.first;
   if (event.value != nullptr) {
     if (const auto* text = std::get_if<std::wstring>(event.value)) step.value = ToUtf8(*text);
+    if (const auto* handle = std::get_if<int32_t>(event.value)) step.handle = *handle;
   }
   ReadText(step);
   return step;

@@ -18,7 +18,9 @@ struct TraceStep {
   std::string thread;
   std::string topic;
   std::string text;
-  std::string value;  ///< of a command, if it is a text
+  std::string value;   ///< of a command, if it is a text
+  std::string record;  ///< of an opened record or an update
+  int32_t handle = 0;  ///< of an opened record (0: it didn't open), or that a message announces
   int32_t first = 0;
   int32_t second = 0;
 

@@ -4,8 +4,6 @@
 
 #include <algorithm>
 
-#include "app/run_day.h"
-#include "platform/text.h"
 #include "terminal/day_file.h"
 #include "terminal/input_error.h"
 #include "tests/checkers/checkers.h"
@@ -15,15 +13,14 @@ namespace {
 
 constexpr int kMostTrials = 400;
 
-class CSoakListener : public ITerminalListener {
+class CSoakListener : public IRunListener {
  public:
   CSoakListener(CCheckers& checkers, SoakOutcome& outcome) : m_checkers(checkers), m_outcome(outcome) {}
 
-  void OnEvent(const TraceEvent& event) override {
-    const TraceStep step = ReadStep(event);
+  void OnStep(const TraceStep& step) override {
     m_checkers.OnStep(step);
     m_outcome.coverage.OnStep(step);
-    if (event.kind != TraceKind::kFault) return;
+    if (step.kind != TraceKind::kFault) return;
     // A distance that leads out of the chain ends the selection so: that is its rule.
     if (step.text.starts_with("strike index ")) {
       m_outcome.coverage.Count("selections outside the chain");
@@ -31,6 +28,7 @@ class CSoakListener : public ITerminalListener {
       m_outcome.violation = {"faults", step.at, fmt::format("{} on {}", step.text, step.thread)};
     }
   }
+  void OnRead(const BusRead& read) override { m_checkers.OnRead(read); }
 
  private:
   CCheckers& m_checkers;
@@ -80,9 +78,10 @@ SoakOutcome PlaySoakDay(const SoakDay& made, const std::filesystem::path& path) 
     const Day day = ReadDayFile(path.string());
     CCheckers checkers(day);
     CSoakListener listener(checkers, outcome);
-    CDayRun run(day, {}, {&listener});
+    CCheckedRun run(day, std::nullopt, listener);
     const std::vector<std::string> errors = run.Run();
     const Violations& violations = checkers.Finish();
+    for (const auto& [kind, count] : checkers.Groups().Counts()) outcome.coverage.Count(kind, count);
     if (!violations.empty() && !outcome.violation) outcome.violation = violations.front();
     if (!errors.empty()) outcome.violation = {"run", made.end, errors.front()};
   } catch (const InputError& error) {
