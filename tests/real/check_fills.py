@@ -5,19 +5,16 @@ order buys and when, what each report says, what is closed, what each total of p
     check_fills.py PROGRAM DATA
 """
 
-import csv
 import json
 import re
-import subprocess
 import sys
 import tempfile
-from datetime import datetime, timedelta
-from pathlib import Path
+from datetime import timedelta
 
 from batch_model import first_batch
 from fill_model import Run
 from price_model import order_price
-from real_day import SESSIONS, command, import_session
+from real_day import Day, SESSIONS, command, milliseconds
 
 LATENCY = 20
 FIXED = {"Type": 0, "Price": 8}
@@ -41,47 +38,6 @@ CASES = [
     ("night", "ND.O.TWF.TX.HOT", "P", FIXED, ("loss", "amount", 400)),
     ("night", "ND.O.TWF.TX.HOT", "C", TRADING, ("loss", "percent", 5)),
 ]
-
-
-def milliseconds(text, midnight):
-    return round((datetime.fromisoformat(text) - midnight) / timedelta(milliseconds=1))
-
-
-class Day:
-    """A session as the program plays it, and its tape."""
-
-    def __init__(self, program, data, session, folder):
-        self.path = Path(folder) / f"{session}.day.jsonl"
-        import_session(program, data, session, self.path)
-        self.lines = self.path.read_text().splitlines()
-        self.head = json.loads(self.lines[0])["day"]
-        self.start = datetime.fromisoformat(self.head["start"])
-        self.midnight = self.start.replace(hour=0, minute=0, second=0)
-        self.end = milliseconds(self.head["end"], self.midnight)
-        with open(self.path.with_name(f"{session}.ticks.csv"), newline="") as file:
-            self.tape = list(self.read(csv.DictReader(file)))
-
-    def read(self, rows):
-        moment, last = "", None
-        for row in rows:
-            if len(row["at"]) > 8:
-                last = milliseconds(row["at"], self.midnight)
-            elif row["at"] != moment:
-                hours, minutes, seconds = row["at"].split(":")
-                last = ((int(hours) * 60 + int(minutes)) * 60 + float(seconds)) * 1000 + (last or 0) // 86400000 * 86400000
-            moment = row["at"]
-            price = round(float(row["price"]) * 10**10)
-            yield int(last), row["symbol"], price, int(row["qty"]), int(row["volume"])
-
-    def replay(self, program, commands, folder):
-        """The trace of the day with commands (local time, object), with orders that are filled by the tape."""
-        head = {"day": {**self.head, "orders": {"fill": "touch", "latency_ms": LATENCY}}}
-        day, trace = self.path.with_name("run.day.jsonl"), Path(folder) / "trace.jsonl"
-        lines = [json.dumps(head)] + self.lines[1:] + [json.dumps({"at": at, "command": order}) for at, order in commands]
-        day.write_text("\n".join(lines) + "\n")
-        subprocess.run([program, "replay", day, "--trace", trace], check=True, timeout=300, stdout=subprocess.DEVNULL)
-        with open(trace) as file:
-            return [json.loads(line) for line in file]
 
 
 class Seen:
@@ -197,7 +153,8 @@ def differences(seen, run, day, chain, price, ending):
 
 
 def check(program, day, folder, session, chain, right, price, ending):
-    trace = day.replay(program, commands_of(session, chain, right, price, ending), folder)
+    lines = [{"at": at, "command": order} for at, order in commands_of(session, chain, right, price, ending)]
+    trace = day.replay(program, lines, folder, orders={"fill": "touch", "latency_ms": LATENCY})
     seen = Seen(trace, day.midnight)
     name = f"{session} {chain} {right}, {'fixed' if price['Type'] != 2 else 'calculated ' + price['EndDate']}, ended by {ending[0]}"
     assert seen.sent, f"{name}: no order"

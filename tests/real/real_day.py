@@ -4,6 +4,7 @@ import csv
 import gzip
 import json
 import subprocess
+from datetime import datetime, timedelta
 from pathlib import Path
 
 FOLDER = "taifex_20210726"
@@ -53,3 +54,45 @@ def replay(program, day, order, folder, at=""):
                    check=True, timeout=300, stdout=subprocess.DEVNULL)
     with open(trace) as file:
         return [json.loads(line) for line in file]
+
+
+def milliseconds(text, midnight):
+    return round((datetime.fromisoformat(text) - midnight) / timedelta(milliseconds=1))
+
+
+class Day:
+    """A session as the program plays it, and its tape."""
+
+    def __init__(self, program, data, session, folder):
+        self.path = Path(folder) / f"{session}.day.jsonl"
+        import_session(program, data, session, self.path)
+        self.lines = self.path.read_text().splitlines()
+        self.head = json.loads(self.lines[0])["day"]
+        self.start = datetime.fromisoformat(self.head["start"])
+        self.midnight = self.start.replace(hour=0, minute=0, second=0)
+        self.end = milliseconds(self.head["end"], self.midnight)
+        opens = SESSIONS[session][1]
+        self.opens = milliseconds(self.start.replace(hour=int(opens[:2]), minute=int(opens[2:4])).isoformat(), self.midnight)
+        with open(self.path.with_name(f"{session}.ticks.csv"), newline="") as file:
+            self.tape = list(self.read(csv.DictReader(file)))
+
+    def read(self, rows):
+        moment, last = "", None
+        for row in rows:
+            if len(row["at"]) > 8:
+                last = milliseconds(row["at"], self.midnight)
+            elif row["at"] != moment:
+                hours, minutes, seconds = row["at"].split(":")
+                last = ((int(hours) * 60 + int(minutes)) * 60 + float(seconds)) * 1000 + (last or 0) // 86400000 * 86400000
+            moment = row["at"]
+            price = round(float(row["price"]) * 10**10)
+            yield int(last), row["symbol"], price, int(row["qty"]), int(row["volume"])
+
+    def replay(self, program, more, folder, **head):
+        """The trace of the day with more lines, and with more in its head."""
+        day, trace = self.path.with_name("run.day.jsonl"), Path(folder) / "trace.jsonl"
+        lines = [json.dumps({"day": {**self.head, **head}})] + self.lines[1:] + [json.dumps(line) for line in more]
+        day.write_text("\n".join(lines) + "\n")
+        subprocess.run([program, "replay", day, "--trace", trace], check=True, timeout=300, stdout=subprocess.DEVNULL)
+        with open(trace) as file:
+            return [json.loads(line) for line in file]
