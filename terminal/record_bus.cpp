@@ -81,6 +81,9 @@ CBusObject& CEmbeddedBus::MakeLocked(const std::wstring& name) {
   }
   CBusObject& made = NewObject(name, name, NeedsSubscription(name) && !m_subscribed.contains(name));
   m_handles.emplace(name, made.m_handle);
+  if (const auto watch = m_watches.find(name); watch != m_watches.end()) {
+    made.m_watch = &watch->second;
+  }
   return made;
 }
 
@@ -326,23 +329,27 @@ void CEmbeddedBus::Show(const std::wstring& name, uint64_t subscription) {
 
 void CEmbeddedBus::Watch(const std::wstring& name, std::function<void()> changed) {
   CLockGuard guard(m_section);
-  m_watches.try_emplace(name, std::move(changed));
+  const auto watch = m_watches.try_emplace(name, std::move(changed)).first;
+  if (CBusObject* const object = FindLocked(name)) {
+    object->m_watch = &watch->second;
+  }
 }
 
-const std::function<void()>* CEmbeddedBus::WatchLocked(const std::wstring& name) {
-  if (m_watches.empty()) return nullptr;
-  const auto found = m_watches.find(name);
-  return found != m_watches.end() ? &found->second : nullptr;
+void CEmbeddedBus::TellWatch(const std::function<void()>* watch) {
+  if (watch != nullptr) {
+    (*watch)();
+  }
 }
 
 void CEmbeddedBus::Apply(const RecordChange& change) {
   const std::function<void()>* watch = nullptr;
   {
     CLockGuard guard(m_section);
-    ApplyLocked(MakeLocked(change.name), change);
-    watch = WatchLocked(change.name);
+    CBusObject& object = MakeLocked(change.name);
+    ApplyLocked(object, change);
+    watch = object.m_watch;
   }
-  if (watch != nullptr) (*watch)();
+  TellWatch(watch);
 }
 
 void CEmbeddedBus::Change(CBusObject& record, const RecordChange& change, const Firing& firing) {
@@ -350,9 +357,9 @@ void CEmbeddedBus::Change(CBusObject& record, const RecordChange& change, const 
   {
     CLockGuard guard(m_section);
     ApplyLocked(record, change);
-    watch = WatchLocked(record.m_name);
+    watch = record.m_watch;
   }
-  if (watch != nullptr) (*watch)();
+  TellWatch(watch);
   Fire(record, firing);
 }
 
@@ -458,11 +465,11 @@ void CEmbeddedBus::PlayQuote(CBusObject& quote, const QuoteUpdate& update, const
     ApplyQuoteLocked(quote, update, utc);
     if (more != nullptr) {
       ApplyLocked(quote, *more);
-      watch = WatchLocked(quote.m_name);
+      watch = quote.m_watch;
     }
     sinks = BeginFire(quote, firing, originator, fires);
   }
-  if (watch != nullptr) (*watch)();
+  TellWatch(watch);
   if (fires) {
     CallSinks(quote, sinks, originator, firing);
   }

@@ -60,8 +60,9 @@ class CEmbeddedBus : public IRecordBus {
   /// unsubscribed since.
   void Show(const std::wstring& name, uint64_t subscription);
 
-  /// From now on `changed` is called behind each change of the record by Apply or PlayQuote, whether it shows
-  /// or not, on the thread that changes it and under no lock. A second watch of a record is left out.
+  /// From now on `changed` is called behind each change of the record's fields, whether they show or not and
+  /// before the change is fired, on the thread that changes it and under no lock. Only the first watch of a
+  /// record counts.
   void Watch(const std::wstring& name, std::function<void()> changed);
 
   /// Makes the record if need be and changes it. Fires nothing.
@@ -139,8 +140,7 @@ class CEmbeddedBus : public IRecordBus {
   void CallSinks(const CBusObject& object, const std::shared_ptr<const SinkList>& sinks, int32_t originator,
                  const Firing& firing);
 
-  /// The watch of the record, or none. It stays where it is.
-  const std::function<void()>* WatchLocked(const std::wstring& name) IORDER_REQUIRES(m_section);
+  static void TellWatch(const std::function<void()>* watch);
   CBusObject& MakeLocked(const std::wstring& name) IORDER_REQUIRES(m_section);
   CBusObject* FindLocked(const std::wstring& name) IORDER_REQUIRES(m_section);
   CBusObject& NewObject(const std::wstring& name, const std::wstring& top, bool hidden)
@@ -168,6 +168,7 @@ class CEmbeddedBus : public IRecordBus {
   std::unordered_map<std::wstring, int32_t> m_handles IORDER_GUARDED_BY(m_section);
   std::map<std::wstring, uint64_t> m_subscribed IORDER_GUARDED_BY(m_section);
   uint64_t m_subscriptionCount IORDER_GUARDED_BY(m_section) = 0;
+  /// They stay where they are.
   std::map<std::wstring, std::function<void()>> m_watches IORDER_GUARDED_BY(m_section);
   std::set<std::wstring> m_failOpen IORDER_GUARDED_BY(m_section);
   std::vector<ItemFault> m_itemFaults IORDER_GUARDED_BY(m_section);
@@ -203,6 +204,7 @@ class CBusObject : public IBusObject {
   std::vector<CRecord::Child> m_formerItems;  ///< taken out, with their handles should they come again
   std::vector<CRecord::Child> m_formerNodes;
   bool m_hidden;
+  const std::function<void()>* m_watch = nullptr;  ///< to be called when the fields have changed, or none
   /// Replaced as a whole when it changes, so that firing takes no copy.
   std::shared_ptr<const CEmbeddedBus::SinkList> m_sinks;
 };

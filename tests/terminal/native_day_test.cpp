@@ -98,5 +98,59 @@ TEST(NativeDay, ADayRunsOnRealThreadsWithTheEngineCallingFromItsOwn) {
   EXPECT_THAT(trace.Text(), HasSubstr("\"event\": \"phase\", \"phase\": [1, 4]"));
 }
 
+TEST(NativeDay, GroupOrdersFillOnRealThreadsWhileFiguresMove) {
+  constexpr int kOrders = 40;
+  constexpr int kThreads = 4;
+  CDayFolder folder;
+  std::string lines =
+      "{\"day\": {\"start\": \"2024-03-04T08:40:00\", \"end\": \"08:40:20\", \"orders\": {\"latency_ms\": "
+      "20, "
+      "\"late_ms\": 50, \"out_of_order\": true, \"repeat\": 0.3}}}\n"
+      "{\"accounts\": [{\"BrokerID\": \"B1\", \"Account\": \"A1\", \"ConnectStatus\": 2}]}\n"
+      "{\"quote\": \"ND.O.X\", \"price\": 5}\n"
+      "{\"at\": \"08:40:00.500\", \"note\": \"\"}\n";
+  for (int i = 1; i <= 100; ++i) {
+    lines += "{\"record\": \"OPT.REAL.ND.O.X\", \"fields\": {\"Delta\": {\"int64\": " + std::to_string(i) +
+             "}}}\n{\"quote\": \"ND.O.X\", \"price\": 5}\n";
+  }
+  const Day day = ReadDayFile(folder.Write("a.day.jsonl", lines));
+  NativeRuntimeOptions options;
+  options.zone = day.head.timezone;
+  options.start = ToDateTime(day.head.start);
+  options.speed = 20;
+  CNativeRuntime runtime(options);
+  CEmbeddedTerminal terminal(runtime, day);
+  std::atomic<int> announced = 0;
+  CRecordingEngine engine;
+  engine.onMessage = [&](const std::wstring&, const std::wstring&, const Value&) { ++announced; };
+  std::vector<std::shared_ptr<IThread>> threads;
+  engine.onPhase = [&](int32_t, int32_t phase) {
+    if (phase != 2) return;
+    for (int i = 0; i < kThreads; ++i) {
+      threads.push_back(runtime.CreateThread(L"engine", [&, i] {
+        for (int order = 0; order < kOrders; ++order) {
+          terminal.Events().Command(L"TRADE.NEWORDER", 1, 2,
+                                    L"BROKERID=B1,ACCOUNT=A1,SYMBOL=ND.O.X,SIDE=B,QTY=2,ORDERTYPE=10,"
+                                    L"SYNTHETIC=1,STRATEGY=S,GROUPID=" +
+                                        std::to_wstring(order / 3),
+                                    {});
+          runtime.Sleep(Milliseconds(5 + i));
+        }
+      }));
+      threads.back()->Resume();
+    }
+  };
+  EXPECT_THAT(runtime.Run([&] { terminal.Play(engine); }), IsEmpty());
+  EXPECT_EQ(std::nullopt, terminal.Error());
+  EXPECT_GE(announced, kThreads * kOrders);
+  IRecordBus& bus = terminal.GetWorld().bus;
+  const auto positions = bus.Resolve(*terminal.Events().OpenRecord(L"STRATEGY.POSITION"));
+  const auto node = bus.Resolve(Int32Or(positions->GetValue(read_code::kNodeByName, L"S"), 0));
+  ASSERT_NE(nullptr, node);
+  const auto item = bus.Resolve(Int32Or(node->GetValue(read_code::kItemByName, L"ND.O.X"), 0));
+  EXPECT_EQ(Value(kThreads * kOrders * 2), item->GetValue(read_code::kField, L"Quantity"));
+  EXPECT_EQ(Value(int64_t{100} * kThreads * kOrders * 2), item->GetValue(read_code::kField, L"Delta"));
+}
+
 }  // namespace
 }  // namespace iorder::testing

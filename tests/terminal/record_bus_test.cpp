@@ -54,6 +54,34 @@ TEST_F(RecordBus, StandingRecordsAndSymbolsAlwaysOpenOthersOnceTheyAreMade) {
   EXPECT_EQ(Text(L"1"), Open(L"Holiday")->GetValue(read_code::kField, L"20240101"));
 }
 
+TEST_F(RecordBus, AWatchIsCalledBehindEachChangeAndBeforeItIsFired) {
+  std::vector<std::string> seen;
+  m_bus.Watch(L"R", [&] { seen.push_back("watch " + std::to_string(m_bus.Fields(L"R").size())); });
+  m_bus.Watch(L"R", [&] { seen.push_back("second"); });
+  SetField(L"Other", L"A", 1);
+  SetField(L"R", L"A", 1);
+  const auto sink = std::make_shared<CRecordingSink>();
+  sink->onUpdate = [&] { seen.push_back("update"); };
+  Open(L"R")->Advise(sink);
+  RecordChange change = Named(L"R");
+  change.fields = {{L"B", Is(2)}};
+  m_bus.Change(m_bus.Quote(L"R"), change, {});
+  change.fields = {{L"C", Is(3)}};
+  m_bus.PlayQuote(m_bus.Quote(L"R"), {}, &change, {}, {});
+  EXPECT_THAT(seen, ElementsAre("watch 1", "watch 2", "update", "watch 4", "update"));
+}
+
+TEST_F(RecordBus, ARecordThatIsThereMayBeWatchedAndIsNotMadeByIt) {
+  int calls = 0;
+  m_bus.Watch(L"R", [&] { ++calls; });
+  EXPECT_EQ(0, m_bus.Open(L"R"));
+  SetField(L"S", L"A", 1);
+  m_bus.Watch(L"S", [&] { ++calls; });
+  EXPECT_EQ(0, calls);
+  SetField(L"S", L"A", 2);
+  EXPECT_EQ(1, calls);
+}
+
 TEST_F(RecordBus, RecordsKeepTheirHandleWhateverChanges) {
   SetField(L"R", L"A", 1);
   const int32_t handle = m_bus.Open(L"R");
