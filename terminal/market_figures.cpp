@@ -70,7 +70,8 @@ void CMarketFigures::Subscribe(const std::wstring& name) {
   if (series.future != nullptr) {
     ScheduleVolatility(*series.future);
   } else {
-    series.option->object = &object;
+    // Once: the bus's thread reads it without the lock.
+    if (series.option->object == nullptr) series.option->object = &object;
     series.option->isMoved = true;
     ScheduleOptions(*series.option->chain, m_runtime.Now());
   }
