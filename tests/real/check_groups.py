@@ -16,58 +16,11 @@ from datetime import timedelta
 
 from child_model import ChildMarket, Positions
 from figure_model import GivenFigures, MarketFigures, month_of
+from group_days import HOT, given_lines, market_lines
 from group_model import Clock, GroupOrders
 from real_day import Day, SESSIONS, milliseconds
 
 LATENCY, SUBSCRIPTION, WEIGHT = 20, 5, 50
-MONTH, HOT = "ND.O.TWF.TX.202108", "ND.O.TWF.TX.HOT"
-
-
-def leg(right, condition, quantity, group="A"):
-    return {"CallPut": right, "Condition": condition, "Qty": quantity, "Group": group}
-
-
-def order(strategy, stop, legs, **more):
-    return {"StrategyType": "GroupOrder", "StrategyID": strategy, "BrokerID": "B1", "Account": "A1", "StrategyName": "Real",
-            "UserKey1": "1", "UserKey2": strategy + "@2", "UserKey3": "3", "ProcessID": "77", "Security": MONTH,
-            "StopCondition": stop, "GroupAType": 2, "GroupBType": 0, "Order": legs, **more}
-
-
-def chase(name, **settings):
-    """An item of the order settings; every setting is a text."""
-    return {"name": name, "fields": {key: json.dumps(setting) for key, setting in settings.items()}}
-
-
-HOLD = [leg("Call", "Delta=0.5", 2), leg("Put", "Delta=-0.4", 3)]
-VANNA = [leg("Call", "Delta=0.25", 1, "A"), leg("Put", "Delta=-0.25", 1, "A"),
-         leg("Call", "Delta=0.5", 2, "B"), leg("Put", "Delta=-0.45", 1, "B")]
-CHECKS = {"CheckCondition1": "Delta=0", "CheckRange1": 0.5, "CheckCondition2": "$Vega=0", "CheckRange2": 1, "Cash": 300}
-WEEKLY = [leg("Call", "1Pct$Vanna=200", 2, "B"), leg("Put", "Vega=3.5", 1, ""), leg("Call", "ImpVol=13.5", 1, "B"), leg("Put", "Gamma=0.0004", 1)]
-
-
-def held(symbol, quantity, side, **figures):
-    return {"Symbol": f"{MONTH}.{symbol}", "Quantity": quantity, "Side": side, **{name: {"int64": value} for name, value in figures.items()}}
-
-
-def accounts(*names):
-    return {"accounts": [{"BrokerID": "B1", "Account": name, "ConnectStatus": 2} for name in names]}
-
-
-def market_lines():
-    """Seconds since the opening, and what happens: in every strategy at moments of its own, and none on a whole second."""
-    yield 200, {"record": "TRADE.EXTENDORDER.SETUP", "items": [
-        chase(MONTH, **{"1-B1-A1": {"On": "1", "Times": "2", "TimeOut": "400"}}),
-        chase(MONTH + ".P.16900", **{"1-ALL": {"On": "0"}}), chase("OPTION", **{"1-ALL": {"On": "1"}})]}
-    yield 300.502, {"command": order("FIRST", "Delta=60", [leg("Call", "Delta=0.5", 1), leg("Put", "Delta=-0.5", 1, "B")])}
-    yield 310.504, {"command": order("WEEKLY", "1%$Vanna=60000", WEEKLY, Security=HOT)}
-    for minute, target in enumerate([500, 900, -400, 0, 300, -800, 250.5, 1200, -100, -100.25, 600, 0, 800, -1000]):
-        yield 420.506 + minute * 1200, {"command": order("HOLD", f"Delta={target}", HOLD)}
-    for minute, target in enumerate([200000, 60000, 300000, -150000, 100000, -50000, 0]):
-        yield 480.508 + minute * 2400, {"command": order("VANNA", f"1%$Vanna={target}", VANNA, **CHECKS, Account="A2")}
-    # Until then its orders are rejected.
-    yield 485, accounts("A1", "A2")
-    for minute, target in enumerate([-20000, 150000, 0, 90000]):
-        yield 2000.510 + minute * 3600, {"command": order("WEEKLY", f"1%$Vanna={target}", WEEKLY, Security=HOT, StopFactor=0.75)}
 
 
 def option_rows(lines):
@@ -90,9 +43,9 @@ class Chains:
 
 
 class Run:
-    """The day as the model plays it."""
+    """The day as the model plays it; not to its end once there are more strings than that, so that a wrong one ends soon."""
 
-    def __init__(self, day, lines, figures, chains):
+    def __init__(self, day, lines, figures, chains, most_strings):
         self.clock, self.figures = Clock(), figures
         self.positions = Positions(figures, WEIGHT)
         self.engine = GroupOrders(self.clock, chains, figures, self.positions, SUBSCRIPTION)
@@ -101,6 +54,8 @@ class Run:
             self.clock.at(at, lambda line=line: self.act(line))
         for at, symbol, price, lots, _ in day.tape:
             self.run_until(at)
+            if len(self.engine.strings) > most_strings:
+                return
             self.clock.now = at
             self.market.trade(symbol, price, lots)
             figures.trade(at, symbol, price)
@@ -167,8 +122,8 @@ def check(program, day, folder, name, lines, figures):
     timed = [{"at": (day.midnight + timedelta(milliseconds=at)).isoformat(timespec="milliseconds"), **line} for at, line in lines]
     trace = day.replay(program, timed, folder, orders={"fill": "touch", "latency_ms": LATENCY}, subscription_ms=SUBSCRIPTION,
                        figures="market" if isinstance(figures, MarketFigures) else "given")
-    run = Run(day, lines, figures, Chains(option_rows(day.lines)))
     strings, ids, subscribed = shown(trace, day.midnight)
+    run = Run(day, lines, figures, Chains(option_rows(day.lines)), len(strings))
     expected = [(string.at, string.thread, string.text) for string in run.engine.strings]
     for what, seen, wanted in (("strings", strings, expected), ("subscriptions", subscribed, run.engine.subscribed)):
         first = next((index for index, pair in enumerate(zip(seen, wanted)) if pair[0] != pair[1]), min(len(seen), len(wanted)))
@@ -197,8 +152,10 @@ def market_figures(day):
 def main(program, data):
     with tempfile.TemporaryDirectory() as folder:
         days = {session: Day(program, data, session, folder) for session in SESSIONS}
-        return 0 if all([check(program, day, folder, f"{session}, figures from the market", market_lines(), market_figures(day))
-                         for session, day in days.items()]) else 1
+        results = [check(program, day, folder, f"{session}, figures from the market", market_lines(), market_figures(day))
+                   for session, day in days.items()]
+        results.append(check(program, days["day"], folder, "day, figures given", given_lines(days["day"]), GivenFigures()))
+        return 0 if all(results) else 1
 
 
 if __name__ == "__main__":

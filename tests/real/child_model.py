@@ -100,6 +100,8 @@ class ChildMarket:
 
     def end_from_outside(self, number, state, client_modify):
         child = self.children[number]
+        if not child.left:
+            return
         child.left = 0
         self.working[child.symbol].remove(child)
         self.tell(child, self.clock.now, lambda: self.engine.on_child(child.strategy, child.key, state, client_modify))

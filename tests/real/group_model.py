@@ -217,6 +217,8 @@ class GroupOrders:
     def strings_of(self, order, leg, held, chase):
         """The strings of a leg: what it takes back first, then what it opens. Only the last one names the group."""
         remaining, pieces = leg.multiplier * leg.quantity, []
+        if remaining <= 0:
+            return []
         for item in held:
             if item.side() != leg.side and item.lots:
                 taken = min(abs(item.lots), remaining)
@@ -245,7 +247,8 @@ class GroupOrders:
         item = next((self.settings[name] for name in names if name in self.settings), {})
         text = item.get(f"1-{order.text('BrokerID')}-{order.text('Account')}") or item.get("1-ALL", "")
         setting = json.loads(text) if text else {}
-        number = {key: int(setting.get(key, default)) for key, default in (("On", "0"), ("TimeOut", "100"), ("Times", "1"))}
+        texts = {key: setting.get(key, default) for key, default in (("On", "0"), ("TimeOut", "100"), ("Times", "1"))}
+        number = {key: int(text) if isinstance(text, str) else 0 for key, text in texts.items()}
         return f"0|{number['Times']}|{number['TimeOut']}|C|2" if number["On"] == 1 else ""
 
     # ---- Children, and the next cycle ----
