@@ -67,6 +67,9 @@ struct GroupCandidate {
   ScaledValue figure = NoValue;  ///< NoValue: the option has no figure yet
   int64_t distance = 0;          ///< as it competes: it may have wrapped
   bool isWrapped = false;
+
+  /// Whether the distance says how far off the figure is, and not only how it competes.
+  bool HasDistance() const { return figure != NoValue && !isWrapped; }
 };
 
 /// So many lots of a symbol.

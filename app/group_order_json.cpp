@@ -16,10 +16,9 @@ void WriteFigure(CObjectWriter& members, std::string_view name, const std::strin
   }
 }
 
-/// A distance that has wrapped says nothing but who wins: null.
 void WriteCandidate(CObjectWriter& members, const GroupCandidate& candidate, const std::string& field) {
   WriteFigure(members, "figure", field, candidate.figure);
-  WriteFigure(members, "distance", field, candidate.isWrapped ? NoValue : candidate.distance);
+  WriteFigure(members, "distance", field, candidate.HasDistance() ? candidate.distance : NoValue);
 }
 
 void WriteLots(CObjectWriter& members, std::string_view name, const std::vector<GroupLots>& lots) {
@@ -119,7 +118,7 @@ void Write(CObjectWriter& members, const GroupLegChosen& leg) {
   WriteFigure(members, "wanted", leg.field, leg.wanted);
   members.Text("symbol", leg.symbol);
   members.Flag("found", leg.found.has_value());
-  WriteCandidate(members, leg.found.value_or(GroupCandidate{.symbol = {}, .isWrapped = true}), leg.field);
+  WriteCandidate(members, leg.found.value_or(GroupCandidate{}), leg.field);
   WriteNext(members, leg);
   members.Number("candidates", static_cast<int64_t>(leg.candidates));
   members.Number("without_figure", static_cast<int64_t>(leg.withoutFigure));

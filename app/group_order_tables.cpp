@@ -29,7 +29,7 @@ std::string FigureCell(const std::string& field, ScaledValue figure) {
 std::string FoundCells(const GroupLegChosen& leg) {
   if (!leg.found) return ",";
   return FigureCell(leg.field, leg.found->figure) + ',' +
-         FigureCell(leg.field, leg.found->isWrapped ? NoValue : leg.found->distance);
+         FigureCell(leg.field, leg.found->HasDistance() ? leg.found->distance : NoValue);
 }
 
 int64_t Sum(const std::vector<GroupLots>& lots) {

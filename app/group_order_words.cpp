@@ -19,29 +19,43 @@ std::string SumName(const GroupOrderLooked& look) {
   return look.factor == 1 ? look.field : fmt::format("{} x {}", look.field, PriceText(look.factor));
 }
 
+constexpr double kDeltaScale = 100;
+
+bool IsDelta(const std::string& field) {
+  return field == "Delta";
+}
+
+/// To six places: enough for a reader.
+std::string ShortFigure(const std::string& field, ScaledValue figure) {
+  if (figure == NoValue) return "none";
+  return PriceText(static_cast<double>(figure) / kScale / (IsDelta(field) ? kDeltaScale : 1));
+}
+
 /// How far off a figure is; nothing for one that is met.
 std::string OffWords(const GroupCandidate& candidate, const std::string& field) {
   if (candidate.isWrapped) return ", too far off to count";
-  return candidate.distance == 0 ? "" : ", off by " + FigureText(field, candidate.distance);
+  return candidate.distance == 0 ? "" : ", off by " + ShortFigure(field, candidate.distance);
 }
 
 std::string ChoiceWords(const GroupLegChosen& leg) {
-  const std::string field = leg.field.empty() ? "no field" : leg.field;
-  const std::string wanted = FigureText(leg.field, leg.wanted);
-  if (leg.symbol.empty()) return fmt::format("no option for {} {}", field, wanted);
+  const std::string wanted =
+      leg.field.empty() ? "no condition" : leg.field + ' ' + ShortFigure(leg.field, leg.wanted);
+  if (leg.symbol.empty()) return "no option for " + wanted;
   const std::string symbol = SymbolWords(leg.symbol);
-  if (!leg.found) return fmt::format("{} as before, no option for {} {}", symbol, field, wanted);
-  if (leg.found->figure == NoValue) return fmt::format("{}, no {} yet for {}", symbol, field, wanted);
-  return fmt::format("{}, {} {} for {}{}", symbol, field, FigureText(leg.field, leg.found->figure), wanted,
-                     OffWords(*leg.found, leg.field));
+  if (!leg.found) return fmt::format("{} as before, no option for {}", symbol, wanted);
+  if (leg.field.empty()) return fmt::format("{} by {}", symbol, wanted);
+  if (leg.found->figure == NoValue) return fmt::format("{}, no figure yet for {}", symbol, wanted);
+  return fmt::format("{}, {} {} for {}{}", symbol, leg.field, ShortFigure(leg.field, leg.found->figure),
+                     ShortFigure(leg.field, leg.wanted), OffWords(*leg.found, leg.field));
 }
 
 std::string NextWords(const GroupLegChosen& leg) {
+  if (leg.field.empty()) return "";
   std::string words;
   for (const GroupCandidate& candidate : leg.next) {
-    const std::string figure = candidate.figure == NoValue
-                                   ? "no figure yet"
-                                   : FigureText(leg.field, candidate.figure) + OffWords(candidate, leg.field);
+    const std::string figure = candidate.figure == NoValue ? "no figure yet"
+                                                           : ShortFigure(leg.field, candidate.figure) +
+                                                                 OffWords(candidate, leg.field);
     words +=
         fmt::format("{}{} ({})", words.empty() ? "; next " : ", ", SymbolWords(candidate.symbol), figure);
   }
@@ -85,7 +99,7 @@ std::string GroupOrderWords(const GroupOrderName& order) {
 std::string FigureText(const std::string& field, ScaledValue figure) {
   constexpr int kPlaces = 10;
   constexpr int kDeltaPlaces = 12;
-  return DecimalText(figure, field == "Delta" ? kDeltaPlaces : kPlaces);
+  return DecimalText(figure, IsDelta(field) ? kDeltaPlaces : kPlaces);
 }
 
 std::string ChildStateWords(int32_t state) {

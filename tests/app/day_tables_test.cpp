@@ -74,6 +74,44 @@ TEST(DayTables, ACellWithACommaAQuoteOrALineEndIsQuoted) {
             "2024-03-04T08:45:00.000,\"OpenLottery_A,B_1\",\"B,1/A1\",X,B,2,BID-3T,0,,,\n");
 }
 
+TEST(DayTables, HoldTheCyclesLegsAndChildrenOfGroupOrders) {
+  const CProgramFolder folder;
+  ASSERT_EQ(
+      folder
+          .Run("replay " IORDER_EXAMPLES "/days/greeks.day.jsonl --csv tables --command " IORDER_EXAMPLES
+               "/commands/group-warm-up.json@08:46 --command " IORDER_EXAMPLES
+               "/commands/group-bands-below.json@08:47")
+          .exitCode,
+      0);
+  EXPECT_EQ(
+      folder.Read("tables/cycles.csv"),
+      "at,group_order,number,cycle,sum,target,check1,value1,low1,high1,check2,value2,low2,high2,doubled,"
+      "orders,lots\n"
+      "2024-03-04T08:46:00.000,WARM-UP,1,1,,1,,,,,,,,,,0,0\n"
+      "2024-03-04T08:47:00.000,BELOW,2,1,-2.054201,0,Vega,-59.616564,-50,50,Gamma,-0.002437,-0.002,"
+      "0.002,1,2,3\n"
+      "2024-03-04T08:47:02.040,BELOW,2,2,-0.540651,0,Vega,-44.712423,-50,50,Gamma,-0.001828,-0.002,"
+      "0.002,,2,2\n");
+  EXPECT_THAT(folder.Read("tables/legs.csv"),
+              testing::StartsWith(
+                  "at,group_order,number,cycle,leg,right,side,lots,field,wanted,symbol,figure,distance,"
+                  "offset,opened\n"
+                  "2024-03-04T08:46:00.000,WARM-UP,1,1,1,Call,B,0,,0,ND.O.TWF.TX.202403.C.16800,,,0,0\n"
+                  "2024-03-04T08:46:00.000,WARM-UP,1,1,2,Put,S,0,,0,ND.O.TWF.TX.202403.P.16800,,,0,0\n"
+                  "2024-03-04T08:47:00.000,BELOW,2,1,1,Call,B,2,Delta,0.5,ND.O.TWF.TX.202403.C.17500,"
+                  "0.51355019,0.01355019,2,0\n"
+                  "2024-03-04T08:47:00.000,BELOW,2,1,2,Put,S,1,Delta,-0.5,ND.O.TWF.TX.202403.P.17500,"
+                  "-0.48644981,0.01355019,0,1\n"));
+  EXPECT_THAT(folder.Read("tables/children.csv"),
+              testing::StartsWith("at,group_order,number,child,state,words,live,fails\n"
+                                  "2024-03-04T08:47:00.020,BELOW,2,C1,,is there,1,0\n"
+                                  "2024-03-04T08:47:00.020,BELOW,2,C2,,is there,2,0\n"
+                                  "2024-03-04T08:47:00.040,BELOW,2,C1,3,is filled,1,0\n"
+                                  "2024-03-04T08:47:00.040,BELOW,2,C2,3,is filled,0,0\n"));
+  EXPECT_THAT(folder.Read("tables/orders.csv"),
+              HasSubstr("2024-03-04T08:47:00.000,,B1/A1,ND.O.TWF.TX.202403.C.17500,B,2,,0,BELOW,2,1\n"));
+}
+
 TEST(DayTables, WithoutCommitThereIsNone) {
   const CProgramFolder folder;
   {

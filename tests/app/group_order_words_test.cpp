@@ -145,11 +145,11 @@ TEST(GroupLeg, TellsWhatItOffsets) {
 TEST(GroupLeg, AFigureThatIsNotThereYetIsSaid) {
   GroupLegChosen leg = Leg();
   leg.found = GroupCandidate{kCall17600, NoValue, 5, true};
-  leg.next[0] = {kCall17500, NoValue, 5, true};
-  EXPECT_EQ(
-      Text(leg),
-      "leg 1         group order HEDGE: buy 3 TX Mar24 17600 call, no Delta yet for 0.25; next TX Mar24 "
-      "17500 call (no figure yet)");
+  leg.next[0] = {kCall17500, NoValue, 5, false};  // to a target below 0
+  EXPECT_EQ(Text(leg),
+            "leg 1         group order HEDGE: buy 3 TX Mar24 17600 call, no figure yet for Delta 0.25; next "
+            "TX Mar24 "
+            "17500 call (no figure yet)");
   EXPECT_NE(Json("T", leg).find(R"("found":true,"figure":null,"distance":null,"next":[{"symbol":)"
                                 R"("ND.O.TWF.TX.202403.C.17500","figure":null,"distance":null}])"),
             std::string::npos);
@@ -176,7 +176,26 @@ TEST(GroupLeg, AnOptionOfAnEarlierCycleIsKept) {
   leg.symbol.clear();
   leg.field.clear();
   leg.wanted = 0;
-  EXPECT_EQ(Text(leg), "leg 1         group order HEDGE: buy 3 no option for no field 0");
+  EXPECT_EQ(Text(leg), "leg 1         group order HEDGE: buy 3 no option for no condition");
+}
+
+TEST(GroupLeg, ALegWithoutAConditionTakesTheFirst) {
+  GroupLegChosen leg = Leg();
+  leg.field.clear();
+  leg.found->figure = NoValue;
+  leg.wanted = 0;
+  EXPECT_EQ(Text(leg), "leg 1         group order HEDGE: buy 3 TX Mar24 17600 call by no condition");
+}
+
+TEST(GroupLeg, InWordsFiguresHaveSixPlaces) {
+  GroupLegChosen leg = Leg();
+  leg.found->figure = Delta(0.25) + 1;
+  leg.found->distance = 1;
+  EXPECT_EQ(
+      Text(leg),
+      "leg 1         group order HEDGE: buy 3 TX Mar24 17600 call, Delta 0.25 for 0.25, off by 0; next TX "
+      "Mar24 17500 call (0.45, off by 0.2)");
+  EXPECT_NE(Json("T", leg).find(R"("figure":0.250000000001,"distance":0.000000000001)"), std::string::npos);
 }
 
 TEST(GroupLeg, ALegWithoutLotsBuysNothing) {

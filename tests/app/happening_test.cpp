@@ -61,6 +61,23 @@ TEST_F(HappeningTest, AMarketOrderHasNoPrice) {
   EXPECT_THAT(json[1], HasSubstr(R"("price":"BID-3T")"));
 }
 
+TEST_F(HappeningTest, AnOrderOfAGroupOrderIsOfNoStrategy) {
+  reader.OnCommand("TRADE.NEWORDER",
+                   "TYPE=O,BROKERID=B1,ACCOUNT=A1,SYMBOL=ND.O.TWF.TX.202403.C.18000,SIDE=S,QTY=2,PRICE=0,"
+                   "ORDERTYPE=10,POSITIONEFFECT=4,TIMEINFORCE=1,SYNTHETIC=1,GROUPTYPE=1,GROUPID={G},"
+                   "CHASEPRICE=0|3|200|C|2,STRATEGY=HEDGE,STRATEGYNAME=h,USERKEY1=,USERKEY2=mine,USERKEY3=,"
+                   "PROCESSID=0");
+  EXPECT_THAT(words, ElementsAre("order         sell 2 TX Mar24 18000 call chasing the market 3 times every "
+                                 "200 ms, group order HEDGE, account B1/A1"));
+  EXPECT_THAT(json, ElementsAre(HasSubstr(
+                        R"("kind":"order","strategy":"","account":"B1/A1",)"
+                        R"("symbol":"ND.O.TWF.TX.202403.C.18000","side":"sell","lots":2,"price":null,)"
+                        R"("closes":false,"group_order":"HEDGE","number":0,"leg":null,"offsets":false,)"
+                        R"("group":"","group_id":"{G}","chase":"0|3|200|C|2","text":"TYPE=O,)")));
+  EXPECT_THAT(totals.Strategies(), IsEmpty());
+  EXPECT_EQ(totals.Orders(), 1);
+}
+
 TEST_F(HappeningTest, ACancelIsTold) {
   reader.OnCommand("TRADE.CANCELORDER", "REPORTID=R7");
   EXPECT_THAT(words, ElementsAre("cancel        report R7"));

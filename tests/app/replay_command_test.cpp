@@ -74,13 +74,30 @@ std::vector<std::string> ExampleInDocument(const std::string& command) {
   return example;
 }
 
+/// What stands behind "iorder replay" in the examples of the document that run on a day of the repository.
+std::vector<std::string> RunsInDocument() {
+  const std::string begin = "    $ iorder replay examples/";
+  std::ifstream file(std::string(IORDER_DOCS) + "/commands.md");
+  std::vector<std::string> runs;
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with(begin)) runs.push_back(line.substr(line.find("examples/")));
+  }
+  return runs;
+}
+
 TEST_F(Replay, TheDocumentShowsWhatIsPrinted) {
-  for (const std::string day : {"five-strikes", "profit-limit"}) {
-    const std::vector<std::string> shown =
-        ExampleInDocument("iorder replay examples/days/" + day + ".day.jsonl");
-    const std::string output = Output(kExamples + "/days/" + day + ".day.jsonl");
-    EXPECT_GT(shown.size(), 5u) << day;
-    for (const std::string& line : shown) EXPECT_THAT(output, HasSubstr(line + "\n")) << day;
+  const std::vector<std::string> runs = RunsInDocument();
+  EXPECT_GT(runs.size(), 7u);
+  for (const std::string& run : runs) {
+    const std::vector<std::string> shown = ExampleInDocument("iorder replay " + run);
+    std::string arguments = run;
+    for (size_t place = 0; (place = arguments.find("examples/", place)) != std::string::npos;
+         place += kExamples.size()) {
+      arguments.replace(place, std::string("examples").size(), kExamples);
+    }
+    const std::string output = Output(arguments);
+    EXPECT_GT(shown.size(), 2u) << run;
+    for (const std::string& line : shown) EXPECT_THAT(output, HasSubstr(line + "\n")) << run;
   }
 }
 
