@@ -92,8 +92,9 @@ def given_lines(day):
                   "CheckCondition2": ("$Vega=0", "Vanna=1", "Delta=200")[index % 3], "CheckRange2": 0.25, "Cash": 10}
         yield 500.510 + index * 2700, order("HOLES", f"Vega={target}", HOLES, **checks)
     # Symbols that stand twice, as a line wrote them.
-    yield 600.512, position("TWICE", ("P.16800", 3, 1, {}), ("P.16900", 1, 1, {}), ("P.16800", 5, 1, {"Delta": 50 * SCALE}),
-                            ("C.17600", 2, 2, {}), ("C.17600", 4, 2, {"Delta": -7 * SCALE}), ("P.16900", 2, 1, {"Delta": 0}))
+    yield 600.512, position("TWICE", ("P.16800", 3, 1, {}), ("P.16800", 5, 1, {"Delta": 50 * SCALE}), ("P.16900", 1, 1, {}),
+                            ("P.17000", 1, 1, {}), ("P.16900", 2, 1, {"Delta": 0}),
+                            ("C.17600", 2, 2, {}), ("C.17600", 4, 2, {"Delta": -7 * SCALE}))
     yield 601.512, order("TWICE", "Delta=250", [leg("Call", "Delta=0.4", 3), leg("Put", "Delta=-0.4", 6), leg("Put", "Delta=-0.2", 2, "B")])
     yield 701.512, order("TWICE", "Delta=-150", [leg("Call", "Delta=0.4", 9), leg("Put", "Delta=-0.4", 9, "B")])
     # A second command while the orders of the first are under way.
@@ -104,6 +105,10 @@ def given_lines(day):
     for index, name in enumerate(names):
         yield 2200 + index * 2000, settings(name, **{"1_ALL": {"On": "1", "Times": str(index), "TimeOut": "60", "AddType": "1"}})
         yield 3300 + index * 2000, settings(name, **{"1_B1_A1": {"On": ("1", "0", 1)[index % 3], "Times": index % 4 and "1", "Ticks": "2"}})
+    for index, strike in enumerate(range(16500, 18100, 200)):
+        for right in "CP":
+            timeout = 20 * (index + (2 if right == "C" else 20))
+            yield 4000, settings(f"{MONTH}.{right}.{strike}", **{"1_ALL": {"On": "1", "TimeOut": str(timeout)}})
     for index, number in enumerate((4, 25, 1, 10)):
         yield 5000 + index * 3000, speed(number)
 
