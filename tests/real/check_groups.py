@@ -83,7 +83,8 @@ class Run:
             child = line["child"]
             self.market.end_from_outside(child["order"], child["ExecType"], child["ClientModify"])
         elif line["record"] == "TRADE.EXTENDORDER.SETUP":
-            self.engine.settings.update((item["name"], item["fields"]) for item in line["items"])
+            for item in line["items"]:
+                self.engine.settings.setdefault(item["name"], {}).update(item["fields"])
         elif line["record"] == "NordoSystemTime":
             self.engine.speed = line["fields"]["Speed"]
         else:

@@ -84,7 +84,7 @@ def given_lines(day):
     yield 310.506, order("NOTHING", "Delta=0", ALIKE)
     yield 311.506, order("NOBODY", "Delta=10", [leg("None", "Delta=0.5", 1)])
     yield 312.506, order("NO LOTS", "Delta=10", [leg("Put", "Delta=-0.5", 0)])
-    yield 313.506, order("NO FIGURE", "Delta=10", [leg("Call", "Speed=0", 1)])
+    yield 313.506, order("NO FIGURE", "Delta=10", [leg("Call", "Speed=0", 1), leg("Put", "Speed=0", 1)])
     for index, target in enumerate([800, -300, 500, -1500, 0, 900, -200, 100, 1500, -1000, 0, 700, 100, 1000, -500, 300]):
         yield 400.508 + index * 1000, order("ALIKE", f"Delta={target}", ALIKE, StopFactor=0.5)
     for index, target in enumerate([500, -250, 300, -600, 0, 500]):
@@ -94,13 +94,20 @@ def given_lines(day):
     # Symbols that stand twice, as a line wrote them.
     yield 600.512, position("TWICE", ("P.16800", 3, 1, {}), ("P.16800", 5, 1, {"Delta": 50 * SCALE}), ("P.16900", 1, 1, {}),
                             ("P.17000", 1, 1, {}), ("P.16900", 2, 1, {"Delta": 0}),
-                            ("C.17600", 2, 2, {}), ("C.17600", 4, 2, {"Delta": -7 * SCALE}))
-    yield 601.512, order("TWICE", "Delta=250", [leg("Call", "Delta=0.4", 3), leg("Put", "Delta=-0.4", 6), leg("Put", "Delta=-0.2", 2, "B")])
+                            ("C.17600", 2, 2, {}), ("C.17700", 1, 2, {}), ("C.17600", 4, 2, {"Delta": -7 * SCALE}))
+    yield 601.512, order("TWICE", "Delta=250", [leg("Call", "Delta=0.4", 3), leg("Put", "Delta=-0.4", 6), leg("Put", "Delta=-0.2", 12, "B")])
     yield 701.512, order("TWICE", "Delta=-150", [leg("Call", "Delta=0.4", 9), leg("Put", "Delta=-0.4", 9, "B")])
+    yield 801.512, order("TWICE", "Delta=900", [leg("Call", "Delta=0.4", 0), leg("Put", "Delta=-0.4", 0)])
+    yield 802.512, order("TWICE", "Delta=-900", [leg("Call", "Delta=0.4", 0), leg("Put", "Delta=-0.4", 0)])
     # A second command while the orders of the first are under way.
     for index in range(4):
         yield 800.514 + index * 3000, order("AGAIN", f"Delta={200 if index % 2 == 0 else -200}", HOLD)
         yield 800.544 + index * 3000, order("AGAIN", f"Delta={300 if index % 2 == 0 else -150}", HOLD + VANNA[2:])
+    # ... whose own orders still work when the first one's end has it look again.
+    yield 1700.516, order("WAITS", "Delta=100", [leg("Call", "Delta=0.5", 1)])
+    yield 1700.530, settings("ALL", **{"1_B1_A1": {"On": "1", "TimeOut": "3000"}})
+    yield 1700.546, order("WAITS", "Delta=100", [leg("None", "", 1), leg("Put", "Delta=-0.3", 60)])
+    yield 1700.800, settings("ALL", **{"1_B1_A1": {}})
     names = ["ALL", "OPTION", "ND.O", "ND.O.TWF", "ND.O.TWF.TX", MONTH, MONTH + ".P.16900"]
     for index, name in enumerate(names):
         yield 2200 + index * 2000, settings(name, **{"1_ALL": {"On": "1", "Times": str(index), "TimeOut": "60", "AddType": "1"}})
