@@ -95,7 +95,8 @@ def given_lines(day):
     yield 600.512, position("TWICE", ("P.16800", 3, 1, {}), ("P.16800", 5, 1, {"Delta": 50 * SCALE}), ("P.16900", 1, 1, {}),
                             ("P.17000", 1, 1, {}), ("P.16900", 2, 1, {"Delta": 0}),
                             ("C.17600", 2, 2, {}), ("C.17700", 1, 2, {}), ("C.17600", 4, 2, {"Delta": -7 * SCALE}))
-    yield 601.512, order("TWICE", "Delta=250", [leg("Call", "Delta=0.4", 3), leg("Put", "Delta=-0.4", 6), leg("Put", "Delta=-0.2", 12, "B")])
+    yield 601.512, order("TWICE", "Delta=250",
+                         [leg("Call", "Delta=0.4", 3), leg("Put", "Delta=-0.4", 6), leg("Put", "Delta=-0.2", 12, "B")])
     yield 701.512, order("TWICE", "Delta=-150", [leg("Call", "Delta=0.4", 9), leg("Put", "Delta=-0.4", 9, "B")])
     yield 801.512, order("TWICE", "Delta=900", [leg("Call", "Delta=0.4", 0), leg("Put", "Delta=-0.4", 0)])
     yield 802.512, order("TWICE", "Delta=-900", [leg("Call", "Delta=0.4", 0), leg("Put", "Delta=-0.4", 0)])
