@@ -142,7 +142,9 @@ void CIntelligentOrder::OnTopicMessage(const std::wstring& topic, int32_t, int32
     PostText(&CIntelligentOrder::m_hCmdThread, engine_message::kCommand, text,
              static_cast<uintptr_t>(second));
   } else if (topic == kHotMonthTopic || topic == kChildTopic) {
-    if (const int32_t* handle = std::get_if<int32_t>(&value)) m_groupOrders.RegisterChildOrder(*handle);
+    if (const int32_t* handle = std::get_if<int32_t>(&value)) {
+      Guarded([this, handle] { m_groupOrders.RegisterChildOrder(*handle); });
+    }
   }
 }
 

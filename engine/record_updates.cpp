@@ -12,7 +12,7 @@ void CIntelligentOrder::OnUpdate(CBaseData* source, int32_t, const std::wstring&
   } else if (m_pAccounts.Is(source)) {
     m_accounts.Rebuild(*source);
   } else {
-    m_groupOrders.OnChildOrderUpdate(*source);
+    Guarded([this, source] { m_groupOrders.OnChildOrderUpdate(*source); });
   }
 }
 

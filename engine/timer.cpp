@@ -62,16 +62,16 @@ std::wstring CTimer::KeyOf(int32_t id) const {
 
 int32_t CTimer::SetTimer(int32_t id, int32_t intervalMs, Callback callback) {
   const EntryPtr entry = std::make_shared<Entry>();
+  entry->lId = id;
+  entry->lIntervalMs = intervalMs;
+  entry->pfnCallback = std::move(callback);
   {
     CLockGuard guard(m_cs);
-    if (m_isEnded) return 0;
-    const auto [place, isNew] = m_mapActive.try_emplace(KeyOf(id), entry);
-    if (!isNew) return 0;
-    entry->lId = id;
-    entry->lIntervalMs = intervalMs;
-    entry->pfnCallback = std::move(callback);
+    if (m_isEnded || m_mapActive.contains(KeyOf(id))) return 0;
+    // Made before the entry is entered: if one of them can't be had, no half of a timer stays.
     entry->hStop = m_runtime.CreateEvent(EventReset::kAuto, false);
     entry->hTimer = m_runtime.CreateWaitableTimer(KeyOf(id));
+    m_mapActive.emplace(KeyOf(id), entry);
   }
   const std::shared_ptr<IThread> thread = CreateThread(entry);
   if (thread == nullptr) {
@@ -86,6 +86,11 @@ int32_t CTimer::SetTimer(int32_t id, int32_t intervalMs, Callback callback) {
   }
   {
     CLockGuard guard(m_cs);
+    // Whoever ended all meanwhile didn't find this thread: it never begins.
+    if (m_isEnded) {
+      thread->Terminate();
+      return 0;
+    }
     entry->hThread = thread;
   }
   thread->Resume();

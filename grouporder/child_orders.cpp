@@ -1,7 +1,7 @@
 #include <algorithm>
+#include <utility>
 
 #include "grouporder/group_orders.h"
-#include "records/exec_type.h"
 
 namespace iorder {
 
@@ -11,13 +11,14 @@ constexpr int32_t kRecheckDelayMs = 2000;
 /// Keeps a fast replay from spinning.
 constexpr int32_t kLeastRecheckDelayMs = 50;
 
-/// The states in which a child order ends.
+/// The states in which a child order ends. The engine goes by the numbers: what they are called is the order
+/// service's affair.
 bool IsFinal(int32_t execType) {
   constexpr int32_t kFinal[] = {2, 3, 5, 7, 8, 10};
   return std::find(std::begin(kFinal), std::end(kFinal), execType) != std::end(kFinal);
 }
 
-/// The ends that, unless the client wished them, end the whole group order.
+/// The ends that, unless the client wished them, let no further timer be armed for the order.
 bool IsFailure(int32_t execType) {
   return execType == 5 || execType == 8;
 }
@@ -33,12 +34,23 @@ void CGroupOrders::RegisterChildOrder(int32_t handle) {
   if (strategyID.empty()) return;
   const GroupOrderPtr order = m_book.Find(strategyID);
   if (order == nullptr) return;  // of another source
-  if (m_book.KnowsChild(levelKey)) return;
+  if (!m_book.NoteChild(levelKey)) return;
 
   order->AddChild(levelKey);
-  // From here on the child's updates come. Only here are ended handles closed: no event of theirs runs.
-  const CGroupOrderBook::Handles ended = m_book.KeepChild(levelKey, m_host.FollowRecord(handle));
   if (m_watch != nullptr) m_watch->OnChild(*order, levelKey);
+  FollowChild(*order, levelKey, handle);
+}
+
+void CGroupOrders::FollowChild(stcIntlgntOrd& order, const std::wstring& levelKey, int32_t handle) {
+  auto record = m_host.FollowRecord(handle);  // its updates come from here on
+  if (record == nullptr) {
+    // A child that can't be followed can't hold the order back.
+    order.RemoveChild(levelKey);
+    m_book.EndChild(levelKey);
+    return;
+  }
+  // Only here are the handles of ended children closed, when this goes: no event of theirs is running.
+  const CGroupOrderBook::Handles ended = m_book.KeepChild(levelKey, std::move(record));
 }
 
 void CGroupOrders::OnChildOrderUpdate(CBaseData& source) {
@@ -76,7 +88,7 @@ int32_t CGroupOrders::RecheckDelay() {
 }
 
 void CGroupOrders::CloseChildren() {
-  m_book.TakeHandles();
+  const CGroupOrderBook::Handles handles = m_book.TakeHandles();  // closed outside the book's lock
 }
 
 }  // namespace iorder

@@ -32,8 +32,9 @@ inline constexpr int32_t kSell = 2;
 /// A conditional group order: it moves a sum over the position of its strategy towards a target, cycle by
 /// cycle. It lives in memory alone.
 ///
-/// One thread at a time works on it: the thread of the command, later that of its timer. Shared are only the
-/// keys of its children, under `cs`, and the failure mark.
+/// One thread at a time works on it: the thread of the command, later that of its timer. Shared are the keys
+/// of its children, under `cs`, the two marks, and what never changes once the command is read (its number
+/// and id above all).
 struct stcIntlgntOrd {
   explicit stcIntlgntOrd(IRuntime& runtime) : cs(runtime, "group order children") {}
 
@@ -86,7 +87,8 @@ struct stcIntlgntOrd {
 
   CCriticalSection cs;
   std::vector<std::wstring> arChildKeys IORDER_GUARDED_BY(cs);  ///< "LevelKey" of the live children
-  std::atomic<int32_t> bFailed{0};  ///< 1 for good once a child has failed: no more cycles
+  std::atomic<int32_t> bFailed{0};   ///< 1 for good once a child has failed: no timer is armed any more
+  std::atomic<bool> bAtWork{false};  ///< a re-check has taken it, and hasn't let it go
 
   void AddChild(const std::wstring& levelKey);
   /// Takes out the first of that key.

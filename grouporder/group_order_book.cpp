@@ -1,33 +1,15 @@
 #include "grouporder/group_order_book.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace iorder {
 
 namespace {
 
-/// The ids of re-check timers go round between these.
-constexpr int32_t kFirstTimerId = 3000;
+/// Behind the last id comes the first again.
 constexpr int32_t kLastTimerId = 9000;
 
 }  // namespace
-
-void stcIntlgntOrd::AddChild(const std::wstring& levelKey) {
-  CLockGuard guard(cs);
-  arChildKeys.push_back(levelKey);
-}
-
-void stcIntlgntOrd::RemoveChild(const std::wstring& levelKey) {
-  CLockGuard guard(cs);
-  const auto found = std::find(arChildKeys.begin(), arChildKeys.end(), levelKey);
-  if (found != arChildKeys.end()) arChildKeys.erase(found);
-}
-
-size_t stcIntlgntOrd::ChildCount() {
-  CLockGuard guard(cs);
-  return arChildKeys.size();
-}
 
 CGroupOrderBook::CGroupOrderBook(IRuntime& runtime)
     : m_csPending(runtime, "m_csPending"),
@@ -75,25 +57,25 @@ GroupOrderPtr CGroupOrderBook::Remove(const std::wstring& strategyID) {
 
 // ---- Children ----
 
-bool CGroupOrderBook::KnowsChild(const std::wstring& levelKey) {
+bool CGroupOrderBook::NoteChild(const std::wstring& levelKey) {
   CLockGuard guard(m_csOrders);
-  return m_mapChildRecords.contains(levelKey);
+  return m_mapChildRecords.try_emplace(levelKey).second;
 }
 
 CGroupOrderBook::Handles CGroupOrderBook::KeepChild(const std::wstring& levelKey,
                                                     std::unique_ptr<CBaseData> record) {
   CLockGuard guard(m_csOrders);
-  Handles dead = std::exchange(m_arDeadRecords, {});
+  Handles ended = std::exchange(m_arDeadRecords, {});
   std::unique_ptr<CBaseData>& kept = m_mapChildRecords[levelKey];
-  if (kept != nullptr) m_arDeadRecords.push_back(std::move(kept));  // two announced it at once
+  if (kept != nullptr) m_arDeadRecords.push_back(std::move(kept));  // its event may be running
   kept = std::move(record);
-  return dead;
+  return ended;
 }
 
 void CGroupOrderBook::EndChild(const std::wstring& levelKey) {
   CLockGuard guard(m_csOrders);
   auto node = m_mapChildRecords.extract(levelKey);
-  if (node) m_arDeadRecords.push_back(std::move(node.mapped()));
+  if (node && node.mapped() != nullptr) m_arDeadRecords.push_back(std::move(node.mapped()));
 }
 
 CGroupOrderBook::Handles CGroupOrderBook::TakeHandles() {

@@ -41,10 +41,11 @@ class CGroupOrderBook {
   GroupOrderPtr Remove(const std::wstring& strategyID);
 
   // Children.
-  bool KnowsChild(const std::wstring& levelKey);
-  /// Keeps the handle of a new child, and gives those of children that have ended, for closing.
-  Handles KeepChild(const std::wstring& levelKey, std::unique_ptr<CBaseData> record);
-  /// Puts the handle aside: it can't be closed inside its own event.
+  /// Takes note of a child that has no handle yet. False if it is known already.
+  bool NoteChild(const std::wstring& levelKey);
+  /// Keeps the handle of a noted child, and gives those of children that have ended, for closing.
+  [[nodiscard]] Handles KeepChild(const std::wstring& levelKey, std::unique_ptr<CBaseData> record);
+  /// Forgets the child. Its handle is put aside: it can't be closed inside its own event.
   void EndChild(const std::wstring& levelKey);
 
   // Re-check timers.
@@ -59,9 +60,11 @@ class CGroupOrderBook {
   GroupOrderPtr TakeRecheck(int32_t timerId);
 
   /// Takes out every handle, for the end.
-  Handles TakeHandles();
+  [[nodiscard]] Handles TakeHandles();
 
  private:
+  static constexpr int32_t kFirstTimerId = 3000;
+
   int32_t NextTimerId() IORDER_REQUIRES(m_csTimers);
 
   CCriticalSection m_csPending;
@@ -75,7 +78,7 @@ class CGroupOrderBook {
   CCriticalSection m_csTimers;
   std::map<int32_t, GroupOrderPtr> m_mapTimerOrders IORDER_GUARDED_BY(m_csTimers);
   std::map<std::wstring, int32_t> m_mapOrderTimers IORDER_GUARDED_BY(m_csTimers);
-  int32_t m_lNextTimerId IORDER_GUARDED_BY(m_csTimers) = 3000;
+  int32_t m_lNextTimerId IORDER_GUARDED_BY(m_csTimers) = kFirstTimerId;  ///< the last that was given out
 };
 
 }  // namespace iorder

@@ -1,13 +1,16 @@
+#include <atomic>
+
 #include "grouporder/group_orders.h"
 
 namespace iorder {
-
-CGroupOrders::CGroupOrders(IGroupOrderHost& host) : m_host(host), m_book(host.GetWorld().runtime) {}
 
 void CGroupOrders::OnOrderRecheck(int32_t timerId) {
   const GroupOrderPtr order = m_book.TakeRecheck(timerId);
   // With children that appeared meanwhile it stays where it is: the last of them arms a new timer.
   if (order == nullptr || order->ChildCount() != 0) return;
+  // An update that found the order just before it was taken out has armed a second timer: the cycle that is
+  // running owns the order.
+  if (order->bAtWork.exchange(true)) return;
 
   const GroupOrderPtr removed = m_book.Remove(order->strStrategyID);
   if (removed != nullptr && removed != order) TellEnd(*removed, GroupOrderEnd::kReplaced);

@@ -6,22 +6,15 @@ namespace iorder {
 
 namespace {
 
-/// More than all keys and numbers take.
-constexpr size_t kFixedSize = 320;
-
-size_t VariableSize(const stcIntlgntOrd& order, const CGroupOrderString& string,
-                    std::wstring_view chasePrice) {
-  return string.symbol.size() + string.groupId.size() + chasePrice.size() + order.strBrokerID.size() +
-         order.strAccount.size() + order.strStrategyID.size() + order.strStrategyName.size() +
-         order.strUserKey1.size() + order.strUserKey2.size() + order.strUserKey3.size();
-}
+/// More than all but strange keys of the user's own need.
+constexpr size_t kUsualSize = 768;
 
 }  // namespace
 
 std::wstring FormatGroupOrder(const stcIntlgntOrd& order, const CGroupOrderString& string,
                               std::wstring_view chasePrice) {
   std::wstring text;
-  text.reserve(kFixedSize + VariableSize(order, string, chasePrice));
+  text.reserve(kUsualSize);
   const auto add = [&text](std::wstring_view key, std::wstring_view value) {
     text.append(key).append(value);
   };

@@ -62,6 +62,7 @@ void CGroupOrders::NameGroups(stcIntlgntOrd& order) {
 }
 
 void CGroupOrders::Enter(const GroupOrderPtr& order) {
+  order->bAtWork = false;
   const GroupOrderPtr former = m_book.Enter(order);
   if (former != nullptr && former != order) TellEnd(*former, GroupOrderEnd::kReplaced);
 }

@@ -19,18 +19,19 @@ struct CGroupCycle {
   std::vector<CLegOrder> orders;
 };
 
-/// Why an order won't go on, or is gone.
+/// What became of an order beside its cycles.
 enum class GroupOrderEnd {
   kTarget,    ///< gone: its stop condition is met
   kNoLeg,     ///< gone: no leg found an option
   kNothing,   ///< stays: the cycle made no string, so no child will ever move it
-  kReplaced,  ///< another order of the same strategy id stands in its place
-  kAsleep,    ///< stays: another order has got its timer
+  kReplaced,  ///< lost its place among those that have sent to one of the same strategy id
+  kAsleep,    ///< stays: another order has got its timer, and no other will wake it
 };
 
 /// Is told what the group orders decide, so that a user can see it. The engine acts the same whether anybody
-/// watches or not. Operations come on the thread at work, several at a time for different orders, under no
-/// lock of the engine; an order may be read inside them, but for what its lock guards.
+/// watches or not. Operations come on the thread at work, several at a time, under no lock of the engine.
+/// OnLook and OnCycle show an order that no other thread works on; the others may read its number, its ids
+/// and its failure mark alone.
 class IGroupOrderWatch {
  public:
   virtual ~IGroupOrderWatch() = default;

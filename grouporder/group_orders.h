@@ -25,7 +25,7 @@ namespace iorder {
 class CGroupOrders {
  public:
   /// `host` must outlive it.
-  explicit CGroupOrders(IGroupOrderHost& host);
+  explicit CGroupOrders(IGroupOrderHost& host) : m_host(host), m_book(host.GetWorld().runtime) {}
 
   /// Before the first command; none: nobody watches.
   void SetWatch(IGroupOrderWatch* watch) { m_watch = watch; }
@@ -48,13 +48,14 @@ class CGroupOrders {
  private:
   /// True if the order has come to its end.
   bool IsDone(stcIntlgntOrd& order);
-  /// False if no record of the chain may be scanned yet.
+  /// Subscribes every record that a leg may look at. True if the first cycle needn't wait for them: always.
   bool SubscribeChain(stcIntlgntOrd& order);
   bool AreRecordsReady(const stcIntlgntOrd& order);
   /// One cycle: looks at the chain and sends. The order is entered, or let go.
   void SubmitGroupOrder(const GroupOrderPtr& order, const CBandChecks& checks);
   void NameGroups(stcIntlgntOrd& order);
   void Enter(const GroupOrderPtr& order);
+  void FollowChild(stcIntlgntOrd& order, const std::wstring& levelKey, int32_t handle);
   void ScheduleRecheck(const GroupOrderPtr& order);
   int32_t RecheckDelay();
   void TellEnd(const stcIntlgntOrd& order, GroupOrderEnd end);

@@ -33,8 +33,8 @@ CHeldPositions LoadPositions(CBaseData* strategyPosition, const std::wstring& st
   if (node == nullptr) return held;
   for (const auto& item : OpenItems(*node)) {
     stcPosition position{item->GetString(L"Symbol"), ReadCut(*item, L"Quantity"), ReadCut(*item, L"Side")};
-    auto& side = IsCall(position.strSymbol) ? held.calls : held.puts;
-    side.push_back(std::move(position));
+    auto& list = IsCall(position.strSymbol) ? held.calls : held.puts;
+    list.push_back(std::move(position));
   }
   return held;
 }

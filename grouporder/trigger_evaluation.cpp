@@ -76,7 +76,7 @@ CBandCheck TestBand(const Items& items, const std::wstring& name, int64_t target
   return check;
 }
 
-/// Which leg works against what has left its band.
+/// By the direction, and by whether each sum lies below its centre or not.
 size_t LegToDouble(int32_t lDirection, int32_t firstSign, int32_t secondSign) {
   //                            second: below, above
   constexpr size_t kRising[2][2] = {{0, 2}, {3, 1}};

@@ -19,8 +19,8 @@ struct CStopCheck {
 };
 
 /// Stops an order whose sum has reached or crossed its target from the side on which it started. The first
-/// call decides the direction; without a position the sign of the target does. A sum without a position goes
-/// on, whatever the target.
+/// call decides the direction; without a position the sign of the target does, and a target of 0 stops. Once
+/// it is decided, an order without a position goes on, whatever the target.
 CStopCheck CheckStopCondition(stcIntlgntOrd& order, CBaseData* strategyPosition);
 
 /// One check band: centre and half width in units of the field.

@@ -69,8 +69,8 @@ inline constexpr int kMaxJsonValueDepth = 256;
 /// any case, a plus sign, a string that isn't closed; of equal keys the last one stays. And less: a number
 /// must be followed by some character, only a capital E begins an exponent, and most escapes give a
 /// backslash. A number is the narrowest kind that its spelling asks for: with an exponent 64 bits, truncated;
-/// with a point a double; below ten digits 32 bits, else 64. An integer that doesn't fit is the nearest one
-/// that does; a power that doesn't, NoValue.
+/// with a point a double; below ten digits 32 bits, else 64. The digits of an
+/// integer stop at 9223372036854775807, before its sign is looked at; a power that doesn't fit is NoValue.
 int64_t ParseJsonValue(JsonValue& out, std::wstring_view text);
 
 }  // namespace iorder

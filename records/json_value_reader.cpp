@@ -14,16 +14,6 @@ namespace {
 
 constexpr size_t kNowhere = std::wstring_view::npos;
 
-/// The number of digits with at most one point, as wcstod reads it, but in no locale.
-double ToDouble(std::wstring_view digits) {
-  const std::string narrow(digits.begin(), digits.end());
-  double number = 0.0;
-  const auto [end, error] = std::from_chars(narrow.data(), narrow.data() + narrow.size(), number);
-  if (error != std::errc::result_out_of_range) return number;
-  const bool isHuge = narrow.find_first_of("123456789") < narrow.find('.');
-  return isHuge ? std::numeric_limits<double>::infinity() : 0.0;
-}
-
 /// Ten to the exponent by repeated squaring: its last places are part of what is read.
 double PowerOfTen(int32_t exponent) {
   const auto wide = static_cast<int64_t>(exponent);
@@ -43,7 +33,7 @@ int64_t Negated(int64_t number) {
 /// The kind that a number without an exponent has by its spelling. Below ten digits negation always fits.
 JsonValue::Payload PlainNumber(std::wstring_view digits, bool negative) {
   constexpr size_t kInt64Digits = 10;
-  if (digits.find(L'.') != kNowhere) return negative ? -ToDouble(digits) : ToDouble(digits);
+  if (digits.find(L'.') != kNowhere) return negative ? -LeadingDouble(digits) : LeadingDouble(digits);
   if (digits.size() >= kInt64Digits) return negative ? Negated(LeadingInt64(digits)) : LeadingInt64(digits);
   return negative ? -LeadingInt32(digits) : LeadingInt32(digits);
 }
@@ -174,7 +164,7 @@ bool CJsonValueReader::ReadNumber(JsonValue& value) {
   const std::wstring_view digits = m_text.substr(m_at, end - m_at);
   if (std::count(digits.begin(), digits.end(), L'.') > 1) return false;
   m_at = end;
-  if (m_text[end] == L'E') return ReadPower(value, ToDouble(digits), negative);
+  if (m_text[end] == L'E') return ReadPower(value, LeadingDouble(digits), negative);
   value = JsonValue(PlainNumber(digits, negative));
   return true;
 }

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <string>
+
+#include "platform/text.h"
 
 namespace iorder {
 
@@ -27,6 +30,17 @@ std::string LeadingNumberText(std::wstring_view text) {
   }
   if (first != begin && !narrow.empty() && narrow.front() == '-') narrow.clear();  // "+-5" is no number
   return narrow;
+}
+
+/// Whether a number that fits no double lies beyond the greatest ones, or below the least.
+bool IsHuge(std::string_view number) {
+  const size_t mark = std::min(number.find_first_of("eE"), number.size());
+  const std::string_view mantissa = number.substr(0, mark);
+  const auto point = static_cast<int64_t>(std::min(mantissa.find('.'), mantissa.size()));
+  const auto first = static_cast<int64_t>(mantissa.find_first_of("123456789"));
+  const int64_t digitsBeforePoint = point > first ? point - first : point - first + 1;
+  const int32_t exponent = mark < number.size() ? LeadingInt32(ToWide(number.substr(mark + 1))) : 0;
+  return digitsBeforePoint + exponent > 0;
 }
 
 }  // namespace
@@ -54,7 +68,8 @@ double LeadingDouble(std::wstring_view text) {
   const std::string narrow = LeadingNumberText(text);
   double value = 0.0;
   const auto [end, error] = std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);
-  return error == std::errc() ? value : 0.0;
+  if (error != std::errc::result_out_of_range || !IsHuge({narrow.data(), end})) return value;
+  return narrow.front() == '-' ? -HUGE_VAL : HUGE_VAL;
 }
 
 }  // namespace iorder

@@ -14,8 +14,9 @@ int32_t LeadingInt32(std::wstring_view text);
 /// The digits of a whole number. std::to_wstring gives the same, but asks the locale for each.
 std::wstring ToDecimal(int64_t number);
 
-/// The decimal number that `text` begins with (digits, one point, an exponent); 0.0 if there is none.
-/// Independent of any locale.
+/// The decimal number that `text` begins with (digits, one point, an exponent); 0.0 if there is none, and for
+/// what is too small for a double; what is too great is infinite. Independent of any locale. Words ("inf")
+/// and hexadecimal digits are no numbers.
 double LeadingDouble(std::wstring_view text);
 
 }  // namespace iorder

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/platform_error.h"
 #include "tests/support/virtual_world.h"
 #include "tests/support/wrapped_runtime.h"
 
@@ -10,7 +11,7 @@ namespace {
 
 using Moments = std::vector<int64_t>;
 
-/// A runtime that can give no threads for a while, and says why.
+/// A runtime that can give no threads or timers for a while, and says why.
 class CThreadlessRuntime : public CWrappedRuntime {
  public:
   using CWrappedRuntime::CWrappedRuntime;
@@ -20,8 +21,13 @@ class CThreadlessRuntime : public CWrappedRuntime {
     return CWrappedRuntime::CreateThread(std::move(name), std::move(body));
   }
   PlatformError LastError() override { return error; }
+  std::unique_ptr<IWaitableTimer> CreateWaitableTimer(std::wstring name) override {
+    if (!hasTimers) throw CPlatformError(error_code::kFailure, "no timer");
+    return CWrappedRuntime::CreateWaitableTimer(std::move(name));
+  }
 
   int failures = 0;
+  bool hasTimers = true;
   PlatformError error{.code = 8, .description = {}};
 };
 
@@ -315,6 +321,35 @@ TEST_F(Timer, ACallbackThatSetsTimersAsTheServiceGoesLeavesNoneBehind) {
       EXPECT_EQ(fired, atTheEnd) << seed;
     });
   }
+}
+
+TEST_F(Timer, ATimerThatWaitsForAThreadAsTheServiceGoesNeverBegins) {
+  Run([this](CTimer& timer) {
+    m_runtime.failures = 1;
+    int32_t result = -1;
+    const auto setter =
+        m_world.runtime.CreateThread(L"setter", [&] { result = timer.SetTimer(5, 1, Note()); });
+    setter->Resume();
+    Sleep(5);  // its first try has failed, the next comes at 10
+    timer.EndAll();
+    m_world.runtime.Wait(*setter, std::nullopt);
+    EXPECT_EQ(result, 0);
+    Sleep(50);
+    EXPECT_EQ(m_fired, Moments{});
+  });
+}
+
+TEST_F(Timer, ATimerWhoseHandlesCantBeHadLeavesItsIdFree) {
+  Run([this](CTimer& timer) {
+    m_runtime.hasTimers = false;
+    EXPECT_THROW(timer.SetTimer(5, 100, Note()), CPlatformError);
+    timer.KillTimer(5);
+    EXPECT_EQ(timer.ChangeTimer(5, 10), 0);
+    m_runtime.hasTimers = true;
+    EXPECT_EQ(timer.SetTimer(5, 100, Note()), 1);
+    Sleep(150);
+    EXPECT_EQ(m_fired, Moments{100});
+  });
 }
 
 TEST_F(Timer, AThreadIsTriedForSixTimesTenMillisecondsApart) {

@@ -9,6 +9,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 class GroupOrderBook : public ::testing::Test {
  protected:
@@ -111,27 +112,30 @@ TEST_F(GroupOrderBook, PendingOrdersAreRemovedByTheirIndicesAsFarAsTheyAreThere)
 TEST_F(GroupOrderBook, TheHandlesOfEndedChildrenComeBackWithTheNextChild) {
   m_world.Run([this] {
     EXPECT_THAT(m_book.KeepChild(L"C1", Handle()), IsEmpty());
-    EXPECT_TRUE(m_book.KnowsChild(L"C1"));
-    EXPECT_FALSE(m_book.KnowsChild(L"C2"));
     m_book.EndChild(L"C1");
     m_book.EndChild(L"C1");
     m_book.EndChild(L"C2");
-    EXPECT_FALSE(m_book.KnowsChild(L"C1"));
     EXPECT_EQ(1U, m_book.KeepChild(L"C2", Handle()).size());
     EXPECT_THAT(m_book.KeepChild(L"C3", Handle()), IsEmpty()) << "each once";
   });
 }
 
-TEST_F(GroupOrderBook, AChildWithoutAHandleIsKnownToo) {
+TEST_F(GroupOrderBook, AChildIsKnownFromItsNoteToItsEnd) {
   m_world.Run([this] {
-    m_book.KeepChild(L"C1", nullptr);
-    EXPECT_TRUE(m_book.KnowsChild(L"C1"));
+    EXPECT_TRUE(m_book.NoteChild(L"C1"));
+    EXPECT_FALSE(m_book.NoteChild(L"C1")) << "without a handle too";
+    EXPECT_THAT(m_book.KeepChild(L"C1", Handle()), IsEmpty());
+    EXPECT_FALSE(m_book.NoteChild(L"C1"));
+    m_book.EndChild(L"C1");
+    EXPECT_TRUE(m_book.NoteChild(L"C1"));
+    m_book.EndChild(L"C1");
+    EXPECT_THAT(m_book.TakeHandles(), SizeIs(1)) << "what never had a handle leaves none";
   });
 }
 
 TEST_F(GroupOrderBook, AChildKeptTwiceGivesItsFirstHandleBackWithTheNextOne) {
   m_world.Run([this] {
-    m_book.KeepChild(L"C1", Handle());
+    EXPECT_THAT(m_book.KeepChild(L"C1", Handle()), IsEmpty());
     EXPECT_THAT(m_book.KeepChild(L"C1", Handle()), IsEmpty()) << "its event may be running";
     EXPECT_EQ(1U, m_book.KeepChild(L"C2", Handle()).size());
   });
@@ -139,11 +143,11 @@ TEST_F(GroupOrderBook, AChildKeptTwiceGivesItsFirstHandleBackWithTheNextOne) {
 
 TEST_F(GroupOrderBook, AtTheEndAllHandlesAreTakenOut) {
   m_world.Run([this] {
-    for (const wchar_t* key : {L"C1", L"C2", L"C3"}) m_book.KeepChild(key, Handle());
+    for (const wchar_t* key : {L"C1", L"C2", L"C3"}) EXPECT_THAT(m_book.KeepChild(key, Handle()), IsEmpty());
     m_book.EndChild(L"C2");
     EXPECT_EQ(3U, m_book.TakeHandles().size());
     EXPECT_THAT(m_book.TakeHandles(), IsEmpty());
-    EXPECT_FALSE(m_book.KnowsChild(L"C1"));
+    EXPECT_TRUE(m_book.NoteChild(L"C1"));
   });
 }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <utility>
 #include <vector>
 
 #include "tests/strategy/json_text.h"
@@ -24,6 +25,7 @@ class CGroupHost : public IGroupOrderHost {
 
   World& GetWorld() override { return m_world.world; }
   std::unique_ptr<CBaseData> OpenRecord(const std::wstring& name, CBaseDataEventReceiver* receiver) override {
+    if (onOpen) onOpen();
     return CBaseData::OpenByHandle(m_world.world, m_world.Record({.name = name}), receiver);
   }
   Value SendHostEvent(const std::wstring& topic, int32_t, int32_t, const std::wstring& text,
@@ -35,9 +37,10 @@ class CGroupHost : public IGroupOrderHost {
   }
   std::unique_ptr<CBaseData> FollowRecord(int32_t handle) override {
     followed.push_back(handle);
+    if (!canFollow) return nullptr;
     return CBaseData::OpenByHandle(m_world.world, handle, nullptr);
   }
-  std::vector<std::wstring> QueryOptionList(const std::wstring&) override { return {kOption}; }
+  std::vector<std::wstring> QueryOptionList(const std::wstring&) override { return chain; }
   bool EnsureOptionTopic(const std::wstring& name) override {
     subscribed.push_back(name);
     return false;
@@ -56,6 +59,9 @@ class CGroupHost : public IGroupOrderHost {
   }
 
   std::function<void()> onSend;
+  std::function<void()> onOpen;
+  bool canFollow = true;
+  std::vector<std::wstring> chain{kOption};
   int32_t speed = 0;
   int32_t armResult = 1;
   std::vector<std::wstring> sent;
@@ -66,6 +72,22 @@ class CGroupHost : public IGroupOrderHost {
 
  private:
   CVirtualWorld& m_world;
+};
+
+/// Is told of updates alone.
+class CUpdateWatch : public IGroupOrderWatch {
+ public:
+  explicit CUpdateWatch(std::function<void()> onUpdate) : m_onUpdate(std::move(onUpdate)) {}
+
+  void OnLook(const stcIntlgntOrd&, const CStopCheck&) override {}
+  void OnCycle(const stcIntlgntOrd&, const CGroupCycle&) override {}
+  void OnEnd(const stcIntlgntOrd&, GroupOrderEnd) override {}
+  void OnChild(const stcIntlgntOrd&, const std::wstring&) override {}
+  void OnChildUpdate(const stcIntlgntOrd&, const std::wstring&, int32_t, size_t) override { m_onUpdate(); }
+  void OnRecheck(const stcIntlgntOrd&, int32_t, int32_t) override {}
+
+ private:
+  std::function<void()> m_onUpdate;
 };
 
 class GroupOrders : public ::testing::Test {
@@ -166,6 +188,78 @@ TEST_F(GroupOrders, AnIdThatNobodyWaitsForDoesNothing) {
     EXPECT_THAT(m_host.sent, SizeIs(4));
     orders.OnOrderRecheck(3001);
     EXPECT_THAT(m_host.sent, SizeIs(4)) << "each wait wakes once";
+  });
+}
+
+TEST_F(GroupOrders, ACycleThatRunsOwnsItsOrder) {
+  Run([this](CGroupOrders& orders) {
+    IRuntime& runtime = m_world.runtime;
+    Accept(orders);
+    const int32_t child = Child(L"C1", 3);
+    Update(orders, child);
+    const auto goOn = runtime.CreateEvent(EventReset::kManual, false);
+    m_host.onOpen = [&] { runtime.Wait(*goOn, std::nullopt); };
+    const auto timer = runtime.CreateThread(L"timer 3001", [&] { orders.OnOrderRecheck(3001); });
+    // An update has found the order when its timer fires, and arms another one while the cycle runs.
+    CUpdateWatch watch([&, found = false]() mutable {
+      if (std::exchange(found, true)) return;
+      timer->Resume();
+      runtime.Sleep(Milliseconds{1});
+    });
+    orders.SetWatch(&watch);
+    Update(orders, child);
+    ASSERT_EQ(std::pair(3002, 2000), m_host.armed.back());
+    orders.OnOrderRecheck(3002);
+    EXPECT_THAT(m_host.sent, SizeIs(2)) << "no second cycle beside the first";
+    goOn->Set();
+    runtime.Wait(*timer, std::nullopt);
+    EXPECT_THAT(m_host.sent, SizeIs(4));
+    Update(orders, child);
+    orders.OnOrderRecheck(3003);
+    EXPECT_THAT(m_host.sent, SizeIs(6)) << "the next cycle comes as ever";
+  });
+}
+
+TEST_F(GroupOrders, AChildThatCantBeFollowedDoesntHoldTheOrderBack) {
+  Run([this](CGroupOrders& orders) {
+    Accept(orders);
+    const int32_t first = Child(L"C1", 0);
+    const int32_t second = Child(L"C2", 3);
+    orders.RegisterChildOrder(second);
+    m_host.canFollow = false;
+    orders.RegisterChildOrder(first);
+    Update(orders, second);
+    EXPECT_THAT(m_host.armed, SizeIs(1)) << "the one that is followed has ended";
+    m_host.canFollow = true;
+    orders.RegisterChildOrder(first);
+    EXPECT_THAT(m_host.followed, ElementsAre(second, first, first)) << "announced again, it is tried again";
+  });
+}
+
+TEST_F(GroupOrders, TheChainIsThatOfTheAcceptance) {
+  Run([this](CGroupOrders& orders) {
+    Accept(orders);
+    m_host.chain = {L"ND.O.TWF.TX.202403.C.18100"};
+    m_host.subscribed.clear();
+    Update(orders, Child(L"C1", 3));
+    orders.OnOrderRecheck(3001);
+    ASSERT_THAT(m_host.sent, SizeIs(4));
+    EXPECT_THAT(m_host.sent.back(), ::testing::HasSubstr(kOption));
+    EXPECT_THAT(m_host.subscribed, IsEmpty());
+  });
+}
+
+TEST_F(GroupOrders, TheDelayIsSharedByTheSpeedFromTwoOn) {
+  Run([this](CGroupOrders& orders) {
+    Accept(orders);
+    const int32_t child = Child(L"C1", 3);
+    for (const int32_t speed : {0, 1, 2, 3, 4, 40, 41, 100}) {
+      m_host.speed = speed;
+      Update(orders, child);
+    }
+    std::vector<int32_t> delays;
+    for (const auto& [id, delay] : m_host.armed) delays.push_back(delay);
+    EXPECT_THAT(delays, ElementsAre(2000, 2000, 1000, 666, 500, 50, 50, 50));
   });
 }
 

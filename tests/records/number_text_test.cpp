@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 namespace iorder {
@@ -34,6 +35,19 @@ TEST(NumberText, ReadsTheLeadingDouble) {
   EXPECT_EQ(LeadingDouble(L"1e"), 1.0);
   EXPECT_EQ(LeadingDouble(L"1,5"), 1.0);
   EXPECT_EQ(LeadingDouble(L"price"), 0.0);
+}
+
+TEST(NumberText, ANumberThatFitsNoDoubleIsInfiniteOrZero) {
+  EXPECT_EQ(LeadingDouble(L"1e400"), HUGE_VAL);
+  EXPECT_EQ(LeadingDouble(L"-2.5e309 lots"), -HUGE_VAL);
+  EXPECT_EQ(LeadingDouble(std::wstring(400, L'9')), HUGE_VAL);
+  EXPECT_EQ(LeadingDouble(L"0.001e400"), HUGE_VAL);
+  EXPECT_EQ(LeadingDouble(L"1e-400"), 0.0);
+  EXPECT_EQ(LeadingDouble(L"0." + std::wstring(400, L'0') + L"1"), 0.0);
+  EXPECT_EQ(LeadingDouble(std::wstring(400, L'9') + L"e-800"), 0.0);
+  EXPECT_EQ(LeadingDouble(L"1e99999999999999999999"), HUGE_VAL);
+  EXPECT_EQ(LeadingDouble(L"1e-99999999999999999999"), 0.0);
+  EXPECT_EQ(LeadingDouble(L"0e400"), 0.0);
 }
 
 TEST(NumberText, SpellsWholeNumbers) {
