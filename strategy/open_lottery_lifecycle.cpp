@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <array>
 
-#include "reference/symbol.h"
 #include "records/json_reader.h"
+#include "reference/symbol.h"
 #include "strategy/strategy_open_lottery.h"
 
 namespace iorder {

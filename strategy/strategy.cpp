@@ -7,8 +7,8 @@
 
 #include "platform/text.h"
 #include "records/json_document.h"
-#include "records/number_text.h"
 #include "records/json_reader.h"
+#include "records/number_text.h"
 
 namespace iorder {
 
