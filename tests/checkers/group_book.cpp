@@ -240,6 +240,7 @@ void CGroupBook::Schedule(const OrderPtr& order, const BusRead& read) {
   const std::string& id = order->command.id;
   if (m_speedAt == read.at) MakeUnclear(id);
   const Milliseconds delay = m_speed > 1 ? std::max(kRecheckDelay / m_speed, kLeastDelay) : kRecheckDelay;
+  if (m_speed > 1) ++m_counts["group looks at a replay speed"];
   const auto found = m_timers.find(id);
   if (found != m_timers.end()) {
     if (found->second.due <= read.at) MakeUnclear(id);

@@ -57,6 +57,33 @@ constexpr Kind kEngineKinds[] = {
     {"totals", "", "\"MsgType\":\"TotalProfit\""},
 };
 
+/// What the checkers' book of group orders counts.
+constexpr const char* kGroupKinds[] = {
+    "group orders",
+    "group orders done at once",
+    "group orders that another one replaces",
+    "group orders without an option",
+    "group targets reached",
+    "group cycles, first",
+    "group cycles, later",
+    "group cycles that send nothing",
+    "group cycles with a chase",
+    "group legs doubled",
+    "group looks held by a child",
+    "group looks put off",
+    "group looks at a replay speed",
+    "group strings of a group",
+    "group strings that offset",
+    "group strings that open",
+    "group children announced",
+    "group children announced again",
+    "group children that fail",
+    "group children that end, 3",
+    "group children that end, 5",
+    "group children that end, 8",
+    "group children that end, 10",
+};
+
 bool Is(const Kind& kind, std::string_view line) {
   return line.starts_with(kind.begin) && line.find(kind.has) != std::string_view::npos;
 }
@@ -66,6 +93,7 @@ bool Is(const Kind& kind, std::string_view line) {
 CCoverage::CCoverage() {
   for (const Kind& kind : kStrategyKinds) m_counts[kind.name] = 0;
   for (const Kind& kind : kEngineKinds) m_counts[kind.name] = 0;
+  for (const char* const kind : kGroupKinds) m_counts[kind] = 0;
 }
 
 void CCoverage::OnStep(const TraceStep& step) {
@@ -87,7 +115,7 @@ void CCoverage::Add(const CCoverage& other) {
 
 std::string CCoverage::Table() const {
   std::string table;
-  for (const auto& [kind, count] : m_counts) table += fmt::format("{:34}{:>12}\n", kind, count);
+  for (const auto& [kind, count] : m_counts) table += fmt::format("{:40}{:>12}\n", kind, count);
   return table;
 }
 

@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "app/made_market.h"
+#include "tests/soak/soak_groups.h"
 #include "tests/soak/soak_orders.h"
 
 namespace iorder::testing {
@@ -37,9 +38,11 @@ class CSoakDayMaker {
     m_plan.dates = static_cast<int>(m_draw.Pick({1, 1, 2, 3}));
     m_plan.minutes = m_draw.Between(6, 45);
     m_plan.strategies = static_cast<int>(m_draw.Pick({1, 2, 3, 4}));
+    m_strikes = m_draw.Between(10, 40);
+    if (m_draw.Chance(30)) PlanGroups();
     m_price = m_draw.Between(8000, 20000);
     m_day.start = FirstOpening() - minutes(15);
-    m_day.end = Opening(m_plan.dates - 1) + minutes(m_plan.minutes + 4);
+    m_day.end = Opening(m_plan.dates - 1) + minutes(m_plan.minutes + (m_plan.groups > 0 ? 1 : 4));
   }
 
   SoakDay Make() {
@@ -47,6 +50,7 @@ class CSoakDayMaker {
     MakeWorld();
     for (int date = 0; date < m_plan.dates; ++date) MakeSession(date);
     MakeCommands();
+    if (m_plan.groups > 0) MakeGroups();
     MakeAccounts();
     MakeOddQuotes();
     std::stable_sort(m_day.events.begin(), m_day.events.end(),
@@ -55,6 +59,15 @@ class CSoakDayMaker {
   }
 
  private:
+  /// Group orders, beside strategies or alone. They look every two seconds, so the sessions are short.
+  void PlanGroups() {
+    m_plan.groups = static_cast<int>(m_draw.Pick({1, 1, 2, 3, 5}));
+    m_plan.dates = 1;
+    m_plan.minutes = m_draw.Between(2, 3);
+    if (m_draw.Chance(50)) m_plan.strategies = 0;
+    m_strikes = m_draw.Between(3, 10);
+  }
+
   static LocalTime Opening(int date) { return FirstOpening() + hours(24) * date; }
 
   std::string Option(const char* rest) const { return fmt::format("ND.O.TWF.{}{}", m_plan.product, rest); }
@@ -72,9 +85,12 @@ class CSoakDayMaker {
 
   void MakeHead() {
     const uint64_t order = m_draw.Chance(30) ? 0 : static_cast<uint64_t>(m_draw.Between(1, 1'000'000));
-    m_day.head = fmt::format(R"(, "seed": {}, "orders": {}, "subscriptions": "{}", "figures": "{}")", order,
-                             DrawOrderRules(m_draw), m_draw.Pick<std::string>({"required", "open"}),
-                             m_draw.Pick<std::string>({"given", "market"}));
+    const bool hasGroups = m_plan.groups > 0;
+    m_figuresAreGiven = m_draw.Chance(hasGroups ? 35 : 50);
+    m_day.head = fmt::format(
+        R"(, "seed": {}, "orders": {}, "subscriptions": "{}", "figures": "{}")", order,
+        DrawOrderRules(m_draw, m_plan.strategies > 0 ? 900 : 6000, hasGroups ? DrawChildRules(m_draw) : ""),
+        m_draw.Pick<std::string>({"required", "open"}), m_figuresAreGiven ? "given" : "market");
     if (m_draw.Chance(30)) m_day.head += fmt::format(R"(, "subscription_ms": {})", m_draw.Between(1, 300));
   }
 
@@ -145,6 +161,7 @@ class CSoakDayMaker {
                           : -minutes(m_draw.Between(0, 4)) - seconds(m_draw.Between(0, 50));
       Command(Opening(0) + at, DrawStart(m_draw, m_plan, strategy, run));
     }
+    if (m_plan.strategies == 0) return;
     for (int64_t i = m_draw.Between(0, 4); i > 0; --i)
       Command(Moment(), DrawLimits(m_draw, m_plan.strategies));
     for (int64_t i = m_draw.Between(0, 2); i > 0; --i) MakeStop();
@@ -159,6 +176,41 @@ class CSoakDayMaker {
     const LocalTime at = Moment();
     Command(at, DrawStop(m_draw, strategy));
     if (m_draw.Chance(40)) Command(at + Milliseconds(m_draw.Between(0, 2500)), DrawStop(m_draw, strategy));
+  }
+
+  void MakeGroups() {
+    std::vector<std::string> options(m_symbols.begin() + 1, m_symbols.end());
+    if (m_draw.Chance(m_figuresAreGiven ? 92 : 15)) {
+      for (const std::string& option : options) m_day.setup.push_back(DrawFigures(m_draw, option));
+      for (int64_t i = m_draw.Between(0, 20); i > 0; --i)
+        Happen(Moment(), DrawFigures(m_draw, PickOf(options)));
+    }
+    for (int i = 0; i < m_plan.groups; ++i) {
+      const LocalTime at = Moment();
+      Command(at, DrawGroupOrder(m_draw, m_plan));
+      // Another one in the same moment, or while the first one's children live.
+      if (m_draw.Chance(15))
+        Command(at + Milliseconds(m_draw.Pick({0, 5, 1000, 3000})), DrawGroupOrder(m_draw, m_plan));
+    }
+    for (int64_t i = m_draw.Between(0, 2); i > 0; --i)
+      m_day.setup.push_back(DrawChaseSettings(m_draw, m_plan, options));
+    if (m_draw.Chance(25)) Happen(Moment(), DrawChaseSettings(m_draw, m_plan, options));
+    if (m_draw.Chance(30)) m_day.setup.push_back(DrawGroupPosition(m_draw, options));
+    for (int64_t i = m_draw.Between(0, 2); i > 0; --i) Happen(Moment(), DrawGroupPosition(m_draw, options));
+    if (m_draw.Chance(25)) MakeReplaySpeed();
+    // The strategies' own checkers know no engine that is stopped and told to go on.
+    if (m_plan.strategies == 0 && m_draw.Chance(15)) Happen(Moment(), R"("phase": [1, 4])");
+  }
+
+  const std::string& PickOf(const std::vector<std::string>& texts) {
+    return texts[static_cast<size_t>(m_draw.Between(0, static_cast<int64_t>(texts.size()) - 1))];
+  }
+
+  /// For some seconds: at a high speed the looks come every 50 ms.
+  void MakeReplaySpeed() {
+    const LocalTime at = Moment();
+    Happen(at, ReplaySpeed(m_draw.Pick<int64_t>({0, 4, 40, 100})));
+    Happen(at + seconds(m_draw.Between(2, 15)), ReplaySpeed(1));
   }
 
   void MakeAccounts() {
@@ -194,7 +246,8 @@ class CSoakDayMaker {
   SoakDay m_day;
   SoakPlan m_plan;
   int64_t m_price = 0;
-  const int64_t m_strikes = m_draw.Between(10, 40);
+  int64_t m_strikes = 0;
+  bool m_figuresAreGiven = false;
   std::vector<LocalTime> m_rowTimes;
   std::vector<std::string> m_symbols;
 };

@@ -120,18 +120,18 @@ std::string DrawOdd(CDraw& draw, const SoakPlan& plan) {
   }
 }
 
-std::string DrawOrderRules(CDraw& draw) {
+std::string DrawOrderRules(CDraw& draw, int64_t mostLate, const std::string& more) {
   std::string rules =
       fmt::format(R"("latency_ms": {}, "fill": "{}", "partial": {})", draw.Pick({0, 1, 10, 20, 150, 2000}),
                   draw.Pick<std::string>({"touch", "touch", "touch", "immediate", "through", "none"}),
                   draw.Pick<std::string>({"1", "1", "0.5", "0.2", "0"}));
   if (draw.Chance(25)) rules += R"(, "reject": 0.)" + std::to_string(draw.Between(1, 4));
-  if (draw.Chance(25)) rules += fmt::format(R"(, "late_ms": {})", draw.Between(1, 900));
+  if (draw.Chance(25)) rules += fmt::format(R"(, "late_ms": {})", draw.Between(1, mostLate));
   if (draw.Chance(15)) rules += R"(, "out_of_order": true)";
   if (draw.Chance(25)) rules += R"(, "repeat": 0.)" + std::to_string(draw.Between(1, 6));
   if (draw.Chance(20)) rules += R"(, "lost_ack": 0.)" + std::to_string(draw.Between(1, 5));
   if (draw.Chance(25)) rules += fmt::format(R"(, "rec_fill_lag_ms": {})", draw.Between(1, 500));
-  return "{" + rules + "}";
+  return "{" + rules + more + "}";
 }
 
 }  // namespace iorder::testing

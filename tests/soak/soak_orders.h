@@ -14,6 +14,7 @@ struct SoakPlan {
   int dates = 1;
   int64_t minutes = 0;  ///< of a session; it begins at 08:45
   int strategies = 0;
+  int groups = 0;  ///< group orders
 };
 
 /// "hhmm" as a number, so many minutes behind 08:45.
@@ -29,7 +30,7 @@ std::string DrawStop(CDraw& draw, int strategy);
 /// command at all.
 std::string DrawOdd(CDraw& draw, const SoakPlan& plan);
 
-/// The member "orders" of the head.
-std::string DrawOrderRules(CDraw& draw);
+/// The member "orders" of the head: answers come up to so many ms late; `more` are further members of it.
+std::string DrawOrderRules(CDraw& draw, int64_t mostLate, const std::string& more);
 
 }  // namespace iorder::testing
