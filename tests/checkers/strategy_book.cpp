@@ -63,7 +63,9 @@ void CStrategyBook::OnCommand(const std::string& text, LocalTime at) {
 /// A second stop may find the first one's work not yet done.
 void CStrategyBook::Stop(const JsonNode& command, LocalTime at) {
   for (auto& [number, strategy] : m_strategies) {
-    if (strategy.goneAt || strategy.info.key != KeyOf(command)) continue;
+    // One that is on its way out still takes the flags, and its work may yet go by them.
+    const bool isGone = strategy.goneAt && at - *strategy.goneAt > kLongestWait;
+    if (isGone || strategy.info.key != KeyOf(command)) continue;
     strategy.stopIsUnclear = at - strategy.stoppedAt <= kLongestWait;
     strategy.stoppedAt = at;
     const JsonNode* const flags = command.Find("ManuStop");

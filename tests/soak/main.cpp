@@ -60,7 +60,8 @@ class CSoak {
     std::vector<SoakOutcome> outcomes(count);
     const uint64_t first = m_arguments.seed + static_cast<uint64_t>(m_played);
     RunParallel(count, m_arguments.jobs, [&](size_t index) {
-      outcomes[index] = PlaySoakDay(DrawSoakDay(first + index), PathOf(m_folder.Path(), first + index));
+      const std::filesystem::path path = PathOf(m_folder.Path(), first + index);
+      outcomes[index] = PlaySoakDay(MakeSoakDay(first + index, path), path);
       for (const char* const ending : {".day.jsonl", ".ticks.csv"})
         std::filesystem::remove(m_folder.Path() / (NameOf(first + index) + ending));
     });
@@ -86,7 +87,7 @@ class CSoak {
                              broken.violation.rule, broken.violation.what);
     std::filesystem::create_directories(m_arguments.out);
     const std::filesystem::path path = PathOf(m_arguments.out, broken.seed);
-    const SoakDay day = DrawSoakDay(broken.seed);
+    const SoakDay day = MakeSoakDay(broken.seed, path);
     const SoakDay smallest = Shrink(day, broken.violation, path);
     std::cout << fmt::format(
         "  again:    scripts/soak --days 1 --seed {}\n"

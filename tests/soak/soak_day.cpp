@@ -198,6 +198,7 @@ class CSoakDayMaker {
     if (m_draw.Chance(30)) m_day.setup.push_back(DrawGroupPosition(m_draw, options));
     for (int64_t i = m_draw.Between(0, 2); i > 0; --i) Happen(Moment(), DrawGroupPosition(m_draw, options));
     if (m_draw.Chance(25)) MakeReplaySpeed();
+    m_day.changesChildren = m_draw.Chance(20);
     // The strategies' own checkers know no engine that is stopped and told to go on.
     if (m_plan.strategies == 0 && m_draw.Chance(15)) Happen(Moment(), R"("phase": [1, 4])");
   }

@@ -24,6 +24,8 @@ struct SoakDay {
   std::string head;  ///< further members, with a comma before them
   std::vector<std::string> setup;
   std::vector<Event> events;  ///< in the order of their times
+  bool changesChildren =
+      false;  ///< lines about child orders are to be put in, once it is known which there are
 
   /// Writes the day, and its tick file beside it.
   void Write(const std::filesystem::path& path) const;

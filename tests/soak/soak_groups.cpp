@@ -89,8 +89,12 @@ std::string DrawGroupOrder(CDraw& draw, const SoakPlan& plan) {
 std::string DrawGroupPosition(CDraw& draw, const std::vector<std::string>& options) {
   if (draw.Chance(10)) return fmt::format(R"("position": {{"strategy": "{}", "items": null}})", DrawId(draw));
   std::string items;
+  const auto last = static_cast<int64_t>(options.size()) - 1;
+  // Often of few options, so that one stands in several items.
+  const int64_t first = draw.Chance(40) ? draw.Between(0, last - 1) : 0;
+  const int64_t end = first == 0 ? last : first + 1;
   for (int64_t i = draw.Between(0, 6); i > 0; --i) {
-    const auto option = static_cast<size_t>(draw.Between(0, static_cast<int64_t>(options.size()) - 1));
+    const auto option = static_cast<size_t>(draw.Between(first, end));
     items += fmt::format(R"({}{{"Symbol": "{}", "Quantity": {}, "Side": {}}})", items.empty() ? "" : ", ",
                          options[option], draw.Between(0, 9), draw.Between(1, 2));
   }
@@ -136,6 +140,14 @@ std::string DrawFigures(CDraw& draw, const std::string& option) {
 
 std::string ReplaySpeed(int64_t speed) {
   return fmt::format(R"("record": "NordoSystemTime", "fields": {{"Speed": {}}}, "fire": true)", speed);
+}
+
+std::string DrawChildChange(CDraw& draw, size_t order) {
+  std::string child =
+      fmt::format(R"("order": {}, "ExecType": {})", order, draw.Pick({0, 1, 2, 3, 5, 7, 8, 8, 10}));
+  child += draw.Pick<std::string>({"", R"(, "ClientModify": 0)", R"(, "ClientModify": 1)"});
+  if (draw.Chance(15)) child += R"(, "announce": true, "topic": "TRADE.HOT.MONTH")";
+  return fmt::format(R"("child": {{{}}})", child);
 }
 
 std::string DrawChildRules(CDraw& draw) {

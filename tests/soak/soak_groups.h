@@ -20,6 +20,9 @@ std::string DrawFigures(CDraw& draw, const std::string& option);
 /// A line that sets the replay speed.
 std::string ReplaySpeed(int64_t speed);
 
+/// A line that changes the child of an order from outside: it may end, fail, move, or be announced again.
+std::string DrawChildChange(CDraw& draw, size_t order);
+
 /// Members of "orders" that say how child orders come and go.
 std::string DrawChildRules(CDraw& draw);
 

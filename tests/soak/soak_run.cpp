@@ -7,6 +7,7 @@
 #include "terminal/day_file.h"
 #include "terminal/input_error.h"
 #include "tests/checkers/checkers.h"
+#include "tests/soak/soak_groups.h"
 
 namespace iorder::testing {
 namespace {
@@ -34,6 +35,44 @@ class CSoakListener : public IRunListener {
   CCheckers& m_checkers;
   SoakOutcome& m_outcome;
 };
+
+/// Notes which group orders are sent, and when.
+class COrderNotes : public IRunListener {
+ public:
+  struct Sent {
+    size_t number = 0;
+    LocalTime at;
+  };
+
+  void OnStep(const TraceStep& step) override {
+    if (!step.IsCommand(kNewOrder)) return;
+    ++m_count;
+    if (FieldText(step.text, "SYNTHETIC") == "1") m_sent.push_back({m_count, step.at});
+  }
+  void OnRead(const BusRead& /*read*/) override {}
+
+  const std::vector<Sent>& All() const { return m_sent; }
+
+ private:
+  size_t m_count = 0;
+  std::vector<Sent> m_sent;
+};
+
+/// Lines about the last few orders before some moment. What is sent before the first of them is sent all the
+/// same with them.
+void PutInChildChanges(SoakDay& day, const std::vector<COrderNotes::Sent>& sent) {
+  CDraw draw(day.seed + 1);
+  const auto last = static_cast<size_t>(draw.Between(0, static_cast<int64_t>(sent.size()) - 1));
+  const LocalTime from = sent[last].at + Milliseconds(draw.Pick({1, 20, 150, 1000, 2000, 2500}));
+  for (int64_t i = draw.Between(1, 8); i > 0; --i) {
+    const size_t back = static_cast<size_t>(draw.Between(0, 5));
+    const COrderNotes::Sent& order = sent[last - std::min(last, back)];
+    day.events.push_back(
+        {from + Milliseconds(draw.Between(0, 4000)), false, DrawChildChange(draw, order.number)});
+  }
+  std::stable_sort(day.events.begin(), day.events.end(),
+                   [](const auto& left, const auto& right) { return left.at < right.at; });
+}
 
 /// Tries smaller days, as long as there are trials left.
 class CShrinker {
@@ -70,6 +109,21 @@ class CShrinker {
 };
 
 }  // namespace
+
+SoakDay MakeSoakDay(uint64_t seed, const std::filesystem::path& path) {
+  SoakDay made = DrawSoakDay(seed);
+  if (!made.changesChildren) return made;
+  COrderNotes notes;
+  try {
+    made.Write(path);
+    const Day day = ReadDayFile(path.string());
+    CCheckedRun(day, std::nullopt, notes).Run();
+  } catch (const InputError&) {
+    return made;  // which shows again as it is played
+  }
+  if (!notes.All().empty()) PutInChildChanges(made, notes.All());
+  return made;
+}
 
 SoakOutcome PlaySoakDay(const SoakDay& made, const std::filesystem::path& path) {
   SoakOutcome outcome;

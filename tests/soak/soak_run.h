@@ -16,6 +16,10 @@ struct SoakOutcome {
   CCoverage coverage;
 };
 
+/// The day of a seed, as DrawSoakDay has it. If it is one of those in which child orders are changed from
+/// outside, it is played once to see which orders are sent, and lines about some of them are put in.
+SoakDay MakeSoakDay(uint64_t seed, const std::filesystem::path& path);
+
 /// Plays the day with all checkers listening. Faults of the engine's threads, deadlocks and cycles in the
 /// order of locks are violations too. `path`: where the day is written; what is there is replaced.
 SoakOutcome PlaySoakDay(const SoakDay& day, const std::filesystem::path& path);
