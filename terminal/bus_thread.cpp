@@ -18,6 +18,15 @@ void CBusThread::Start() {
   m_thread->Resume();
 }
 
+void CBusThread::Stop() {
+  {
+    CLockGuard guard(m_section);
+    m_isOver = true;
+    m_due.clear();
+  }
+  Run([] {});
+}
+
 void CBusThread::Run(std::function<void()> job) {
   {
     CLockGuard guard(m_section);
@@ -33,6 +42,7 @@ void CBusThread::Run(std::function<void()> job) {
 void CBusThread::Post(TimePoint due, std::function<void()> job) {
   {
     CLockGuard guard(m_section);
+    if (m_isOver) return;
     const auto place = std::upper_bound(m_due.begin(), m_due.end(), due,
                                         [](TimePoint time, const DueJob& other) { return time < other.due; });
     m_due.insert(place, {due, std::move(job)});

@@ -19,8 +19,11 @@ class CBusThread {
  public:
   explicit CBusThread(IWorldRuntime& runtime);
 
-  /// Creates the thread and lets it begin. It ends with the runtime's run.
+  /// Creates the thread and lets it begin.
   void Start();
+  /// Waits for the job that is under way; no other begins any more. The thread itself ends with the runtime's
+  /// run.
+  void Stop();
   /// Does `job` on the thread, behind what is due there, and returns when it has ended. What it raises is
   /// raised again.
   void Run(std::function<void()> job);
@@ -45,6 +48,7 @@ class CBusThread {
   CCriticalSection m_section;
   std::deque<DueJob> m_due IORDER_GUARDED_BY(m_section);
   std::function<void()> m_handedOver IORDER_GUARDED_BY(m_section);
+  bool m_isOver IORDER_GUARDED_BY(m_section) = false;
   std::exception_ptr m_raised;  ///< written before m_done is set, read after it
 };
 

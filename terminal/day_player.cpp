@@ -45,6 +45,8 @@ void CDayPlayer::Play(INordoManager& manager) {
   if (m_day.head.autoPhases && m_isStarted) {
     SetPhase(kStop);
   }
+  // The engine may go as soon as the day is over: no child order is announced to it any more.
+  m_parts.busThread.Stop();
   if (error) {
     std::rethrow_exception(error);
   }

@@ -72,6 +72,29 @@ TEST(DayPlayer, ManualPhasesComeFromTheLinesAlone) {
   EXPECT_EQ("09:01:00.000", day.Clock());
 }
 
+TEST(DayPlayer, NothingIsToldToTheEngineOnceTheDayIsOver) {
+  CPlayedDay day(R"({"symbols": [{"Symbol": "ND.O.TWF.TX.202403.C.18000"}]}
+{"at": "13:50:00", "quote": "ND.O.TWF.TX.202403.C.18000", "price": 10}
+{"command": "go"}
+)",
+                 R"(, "end": "13:50:01", "orders": {"latency_ms": 2000}, "subscriptions": "open")");
+  day.engine.onMessage = [&](const std::wstring& topic, const std::wstring&, const Value&) {
+    if (topic != L"TRADE.IntelligentOrder") return;
+    day.terminal->Events().Command(
+        L"TRADE.NEWORDER", 1, 2,
+        L"SYMBOL=ND.O.TWF.TX.202403.C.18000,SIDE=B,QTY=1,PRICE=0,ORDERTYPE=10,SYNTHETIC=1,STRATEGY=G", {});
+  };
+  size_t calls = 0;
+  day.runtime->Run([&] {
+    day.terminal->Play(day.engine);
+    calls = day.engine.calls.size();
+    // The engine waits for its threads as it goes: time passes, and its child order would be announced.
+    day.runtime->Sleep(Milliseconds(5000));
+  });
+  EXPECT_EQ(L"phase 1 4", day.engine.calls.back());
+  EXPECT_EQ(calls, day.engine.calls.size());
+}
+
 TEST(DayPlayer, TheClockStopsAtTheEndAndLaterLinesNeverHappen) {
   CPlayedDay day(R"({"at": "13:50:00", "command": "last"}
 {"at": "13:50:01", "command": "never"}
