@@ -132,8 +132,13 @@ void CStateChecker::OnCancels(const TraceStep& step, Course& course) {
   }
   const int64_t state = StateOf(step);
   const bool ends = step.thread == kBatchThread ? course.isStopping : course.isEnding;
-  const bool byLimit = step.thread == kBatchThread && !ends && state == -1 && course.limits > 0;
+  // A stop that came before it in the same moment is over then, and has left -2 behind.
+  const bool byLimit = step.thread == kBatchThread && state == -1 && course.limits > 0;
   course.isLimited = byLimit;
+  if (byLimit && course.isStopping) {
+    course.accesses.push_back({Access::Kind::kWrite, step.thread, -2, "", false});
+    course.isStopping = false;
+  }
   // A stop command that doesn't cancel may be over by now.
   const bool mayBeStopped = step.thread == kBatchThread && course.isStopping;
   Add(course, step,
