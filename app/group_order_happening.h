@@ -123,6 +123,11 @@ struct GroupLookPlanned {
   int32_t timer = 0;
 };
 
+/// The moment came, but children live: the last of them will plan another look.
+struct GroupLookPassed {
+  GroupOrderName order;
+};
+
 /// A group order won't go on, or is gone.
 struct GroupOrderEnded {
   GroupOrderName order;

@@ -158,6 +158,11 @@ void Write(CObjectWriter& members, const GroupLookPlanned& look) {
   members.Number("timer", look.timer);
 }
 
+void Write(CObjectWriter& members, const GroupLookPassed& look) {
+  members.Text("kind", "no_look");
+  WriteName(members, look.order);
+}
+
 void Write(CObjectWriter& members, const GroupOrderEnded& ended) {
   members.Text("kind", "group_end");
   WriteName(members, ended.order);

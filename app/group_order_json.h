@@ -18,6 +18,7 @@ void Write(CObjectWriter& members, const GroupLegChosen& leg);
 void Write(CObjectWriter& members, const GroupChildAnnounced& child);
 void Write(CObjectWriter& members, const GroupChildChanged& child);
 void Write(CObjectWriter& members, const GroupLookPlanned& look);
+void Write(CObjectWriter& members, const GroupLookPassed& look);
 void Write(CObjectWriter& members, const GroupOrderEnded& ended);
 
 }  // namespace iorder

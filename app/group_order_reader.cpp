@@ -111,6 +111,10 @@ void CGroupOrderReader::OnChildUpdate(const stcIntlgntOrd& order, const std::wst
   m_tell(GroupChildChanged{NameOf(order), child, execType, live, fails});
 }
 
+void CGroupOrderReader::OnNoLook(const stcIntlgntOrd& order) {
+  m_tell(GroupLookPassed{NameOf(order)});
+}
+
 void CGroupOrderReader::OnRecheck(const stcIntlgntOrd& order, int32_t timerId, int32_t delayMs) {
   m_tell(GroupLookPlanned{NameOf(order), ToText(m_now + Milliseconds(delayMs)), timerId});
 }

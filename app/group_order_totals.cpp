@@ -40,7 +40,7 @@ std::string TimeOfDay(const std::string& time) {
 
 std::string CGroupOrderTotals::Row::State() const {
   if (end) return EndState(*end);
-  if (isFailed && nextLook.empty()) return "failed";
+  if (isFailed && (nextLook.empty() || live > 0)) return "failed";
   if (live > 0) return "waiting";
   if (!nextLook.empty()) return "next_look";
   return cycles > 0 ? "sent" : "looking";
@@ -50,11 +50,11 @@ std::string CGroupOrderTotals::Row::Words() const {
   const std::string next = nextLook.empty() ? "" : "next look at " + TimeOfDay(nextLook);
   // One that another has replaced is still woken by its timer.
   if (end) return EndWords(*end) + (end == GroupOrderEnd::kReplaced && !next.empty() ? ", " + next : "");
-  if (isFailed && next.empty()) {
+  // A timer that runs already isn't stopped by a failure, but finds the children that are left.
+  if (isFailed && (next.empty() || live > 0)) {
     return "failed child, will not go on" + (live > 0 ? "; " + Children(live) + " left" : "");
   }
   if (live > 0) return "waiting for " + Children(live);
-  // A timer that runs already isn't stopped by a failure.
   if (!next.empty()) return (isFailed ? "failed child, but " : "") + next;
   return cycles > 0 ? "orders sent, no child yet" : "looking";
 }
@@ -98,6 +98,10 @@ void CGroupOrderTotals::Take(const GroupLookPlanned& look) {
   Row& row = RowOf(look.order);
   row.nextLook = look.time;
   row.end.reset();
+}
+
+void CGroupOrderTotals::Take(const GroupLookPassed& look) {
+  RowOf(look.order).nextLook.clear();
 }
 
 void CGroupOrderTotals::Take(const GroupOrderEnded& ended) {

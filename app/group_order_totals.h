@@ -49,6 +49,7 @@ class CGroupOrderTotals {
   void Take(const GroupChildAnnounced& child);
   void Take(const GroupChildChanged& child);
   void Take(const GroupLookPlanned& look);
+  void Take(const GroupLookPassed& look);
   void Take(const GroupOrderEnded& ended);
   template <typename Other>
   void Take(const Other&) {}

@@ -27,6 +27,10 @@ void CGroupOrderWatcher::OnChildUpdate(const stcIntlgntOrd& order, const std::ws
   Tell([&](IGroupOrderWatch& watch) { watch.OnChildUpdate(order, levelKey, execType, live); });
 }
 
+void CGroupOrderWatcher::OnNoLook(const stcIntlgntOrd& order) {
+  Tell([&](IGroupOrderWatch& watch) { watch.OnNoLook(order); });
+}
+
 void CGroupOrderWatcher::OnRecheck(const stcIntlgntOrd& order, int32_t timerId, int32_t delayMs) {
   Tell([&](IGroupOrderWatch& watch) { watch.OnRecheck(order, timerId, delayMs); });
 }

@@ -23,6 +23,7 @@ class CGroupOrderWatcher : public IGroupOrderWatch {
   void OnChild(const stcIntlgntOrd& order, const std::wstring& levelKey) override;
   void OnChildUpdate(const stcIntlgntOrd& order, const std::wstring& levelKey, int32_t execType,
                      size_t live) override;
+  void OnNoLook(const stcIntlgntOrd& order) override;
   void OnRecheck(const stcIntlgntOrd& order, int32_t timerId, int32_t delayMs) override;
 
  private:

@@ -188,6 +188,10 @@ std::string Words(const GroupLookPlanned& look) {
   return Line("next look", look.order, "at " + look.time.substr(look.time.find('T') + 1));
 }
 
+std::string Words(const GroupLookPassed& look) {
+  return Line("no look", look.order, "children live");
+}
+
 std::string Words(const GroupOrderEnded& ended) {
   return Line("end", ended.order, EndWords(ended.end));
 }

@@ -30,6 +30,7 @@ std::string Words(const GroupLegChosen& leg);
 std::string Words(const GroupChildAnnounced& child);
 std::string Words(const GroupChildChanged& child);
 std::string Words(const GroupLookPlanned& look);
+std::string Words(const GroupLookPassed& look);
 std::string Words(const GroupOrderEnded& ended);
 
 }  // namespace iorder

@@ -147,6 +147,7 @@ std::string Words(const Happening& happening) {
           [](const GroupChildAnnounced& child) { return Words(child); },
           [](const GroupChildChanged& child) { return Words(child); },
           [](const GroupLookPlanned& look) { return Words(look); },
+          [](const GroupLookPassed& look) { return Words(look); },
           [](const GroupOrderEnded& ended) { return Words(ended); },
           [](const CommandRefused& refused) {
             return "not readable  the command isn't JSON: " + refused.reason;

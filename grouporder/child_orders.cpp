@@ -47,6 +47,7 @@ void CGroupOrders::FollowChild(stcIntlgntOrd& order, const std::wstring& levelKe
     // A child that can't be followed can't hold the order back.
     order.RemoveChild(levelKey);
     m_book.EndChild(levelKey);
+    if (m_watch != nullptr) m_watch->OnChildUpdate(order, levelKey, NoInt, order.ChildCount());
     return;
   }
   // Only here are the handles of ended children closed, when this goes: no event of theirs is running.

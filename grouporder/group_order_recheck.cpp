@@ -6,11 +6,14 @@ namespace iorder {
 
 void CGroupOrders::OnOrderRecheck(int32_t timerId) {
   const GroupOrderPtr order = m_book.TakeRecheck(timerId);
-  // With children that appeared meanwhile it stays where it is: the last of them arms a new timer.
-  if (order == nullptr || order->ChildCount() != 0) return;
-  // An update that found the order just before it was taken out has armed a second timer: the cycle that is
-  // running owns the order.
-  if (order->bAtWork.exchange(true)) return;
+  if (order == nullptr) return;
+  // With children that appeared meanwhile it stays where it is: the last of them arms a new timer. And a
+  // cycle that runs owns its order: an update that found it just before it was taken out has armed this
+  // timer.
+  if (order->ChildCount() != 0 || order->bAtWork.exchange(true)) {
+    if (m_watch != nullptr) m_watch->OnNoLook(*order);
+    return;
+  }
 
   const GroupOrderPtr removed = m_book.Remove(order->strStrategyID);
   if (removed != nullptr && removed != order) TellEnd(*removed, GroupOrderEnd::kReplaced);

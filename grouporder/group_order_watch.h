@@ -41,9 +41,12 @@ class IGroupOrderWatch {
   virtual void OnCycle(const stcIntlgntOrd& order, const CGroupCycle& cycle) = 0;
   virtual void OnEnd(const stcIntlgntOrd& order, GroupOrderEnd end) = 0;
   virtual void OnChild(const stcIntlgntOrd& order, const std::wstring& levelKey) = 0;
-  /// `live`: children that have not ended, after this update.
+  /// `live`: children that have not ended, after this update. A child that can't be followed is told as gone,
+  /// with NoInt for its state.
   virtual void OnChildUpdate(const stcIntlgntOrd& order, const std::wstring& levelKey, int32_t execType,
                              size_t live) = 0;
+  /// The timer has fired, but nothing is looked at now: children live, or a cycle of the order runs.
+  virtual void OnNoLook(const stcIntlgntOrd& order) = 0;
   /// The next look comes after the delay; an earlier one is put off.
   virtual void OnRecheck(const stcIntlgntOrd& order, int32_t timerId, int32_t delayMs) = 0;
 };

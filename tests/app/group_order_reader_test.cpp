@@ -263,5 +263,10 @@ TEST_F(GroupOrderReaderTest, TheNextLookIsCountedFromNow) {
   EXPECT_EQ(Last<GroupLookPlanned>().timer, 3001);
 }
 
+TEST_F(GroupOrderReaderTest, ALookThatPassesIsTold) {
+  reader.OnNoLook(order);
+  EXPECT_EQ(Last<GroupLookPassed>().order.number, order.llNumber);
+}
+
 }  // namespace
 }  // namespace iorder

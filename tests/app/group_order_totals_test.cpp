@@ -42,6 +42,7 @@ class GroupOrderTotalsTest : public testing::Test {
     totals.Add(GroupChildChanged{kOrder, "C", fails ? 8 : 3, live, fails});
   }
   void Plan(const std::string& time) { totals.Add(GroupLookPlanned{kOrder, "2024-03-04T" + time, 3001}); }
+  void Pass() { totals.Add(GroupLookPassed{kOrder}); }
   void End(GroupOrderEnd end) { totals.Add(GroupOrderEnded{kOrder, end}); }
 
   std::string Stands() const { return totals.Rows().at({"HEDGE", 1}).Words(); }
@@ -73,6 +74,26 @@ TEST_F(GroupOrderTotalsTest, OrdersAreSentBeforeThereAreChildren) {
   Cycle();
   EXPECT_EQ(Stands(), "orders sent, no child yet");
   EXPECT_EQ(State(), "sent");
+}
+
+TEST_F(GroupOrderTotalsTest, AFailureOfAChildThatCameBeforeTheLookEndsItAll) {
+  Cycle();
+  Plan("08:47:02");
+  Announce(1);
+  Pass();
+  EXPECT_EQ(Stands(), "waiting for 1 child");
+  Change(0, true);
+  EXPECT_EQ(Stands(), "failed child, will not go on");
+  EXPECT_EQ(State(), "failed");
+}
+
+TEST_F(GroupOrderTotalsTest, AFailedOrderWithChildrenLeftIsFailed) {
+  Cycle();
+  Plan("08:47:02");
+  Announce(2);
+  Change(1, true);
+  EXPECT_EQ(Stands(), "failed child, will not go on; 1 child left");
+  EXPECT_EQ(State(), "failed");
 }
 
 TEST_F(GroupOrderTotalsTest, ItWaitsForItsChildren) {

@@ -239,6 +239,12 @@ TEST(GroupNextLook, ItsMomentIsTold) {
                              R"("time":"2024-03-04T08:45:04.500","timer":3001})");
 }
 
+TEST(GroupNoLook, AMomentThatPassedIsTold) {
+  EXPECT_EQ(Text(GroupLookPassed{kOrder}), "no look       group order HEDGE: children live");
+  EXPECT_EQ(Json("T", GroupLookPassed{kOrder}),
+            R"({"at":"T","kind":"no_look","group_order":"HEDGE","number":3})");
+}
+
 TEST(GroupEnd, ItsReasonIsTold) {
   EXPECT_EQ(Text(GroupOrderEnded{kOrder, GroupOrderEnd::kTarget}),
             "end           group order HEDGE: done, target reached");

@@ -84,6 +84,7 @@ class CUpdateWatch : public IGroupOrderWatch {
   void OnEnd(const stcIntlgntOrd&, GroupOrderEnd) override {}
   void OnChild(const stcIntlgntOrd&, const std::wstring&) override {}
   void OnChildUpdate(const stcIntlgntOrd&, const std::wstring&, int32_t, size_t) override { m_onUpdate(); }
+  void OnNoLook(const stcIntlgntOrd&) override {}
   void OnRecheck(const stcIntlgntOrd&, int32_t, int32_t) override {}
 
  private:
