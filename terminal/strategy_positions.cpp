@@ -1,9 +1,9 @@
 #include "terminal/strategy_positions.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
 #include <optional>
-#include <set>
 #include <utility>
 
 #include "records/int128.h"
@@ -16,6 +16,8 @@ namespace {
 
 constexpr int32_t kBought = 1;
 constexpr int32_t kSold = 2;
+/// The record tells lots in 32 bits: no more are held.
+constexpr int64_t kMostLots = std::numeric_limits<int32_t>::max();
 
 std::wstring FiguresRecord(const std::wstring& symbol) {
   return std::wstring(kOptionFiguresRecord) + symbol;
@@ -49,12 +51,12 @@ void CStrategyPositions::Fill(const std::wstring& strategy, const std::wstring& 
     CLockGuard guard(m_section);
     Watch(symbol);
     Holding& holding = m_holdings[strategy][symbol];
-    holding.lots += lots;
+    holding.lots =
+        static_cast<int64_t>(std::clamp<Int128>(Int128{holding.lots} + lots, -kMostLots, kMostLots));
     if (holding.lots != 0) holding.isSold = holding.lots < 0;
     std::vector<FieldChange> fields = FiguresOf(symbol, holding.lots);
-    const int64_t quantity = std::min<int64_t>(std::abs(holding.lots), std::numeric_limits<int32_t>::max());
     fields.push_back({L"Symbol", TextField(symbol)});
-    fields.push_back({L"Quantity", Int32Field(quantity)});
+    fields.push_back({L"Quantity", Int32Field(std::abs(holding.lots))});
     fields.push_back({L"Side", Int32Field(holding.isSold ? kSold : kBought)});
     Write(strategy, symbol, std::move(fields));
   }
@@ -76,15 +78,16 @@ void CStrategyPositions::Set(const PositionAction& position) {
   m_bus.ReplaceItems(kStrategyPosition, position.strategy, items);
 }
 
-/// The item as it is to be written. One that doesn't say what is held, or says it of a symbol a second time,
-/// is the line's own affair.
+/// The item as it is to be written. One that doesn't say what is held, or no number of lots, or says it of a
+/// symbol a second time, is the line's own affair.
 RecordChange CStrategyPositions::TakeItem(const RecordChange& given, Holdings& holdings) {
   const Value* const symbolField = FindField(given, L"Symbol");
   const std::wstring* const symbol =
       symbolField != nullptr ? std::get_if<std::wstring>(symbolField) : nullptr;
   const Value* const quantityField = FindField(given, L"Quantity");
   const std::optional<int64_t> quantity = quantityField != nullptr ? NumberOf(*quantityField) : std::nullopt;
-  if (symbol == nullptr || !quantity || holdings.contains(*symbol)) return given;
+  const bool isHeld = quantity && *quantity >= -kMostLots && *quantity <= kMostLots;
+  if (symbol == nullptr || !isHeld || holdings.contains(*symbol)) return given;
 
   Watch(*symbol);
   const Value* const side = FindField(given, L"Side");

@@ -25,7 +25,8 @@ class CStrategyPositions {
   CStrategyPositions(IRuntime& runtime, CEmbeddedBus& bus)
       : m_bus(bus), m_section(runtime, "strategy positions") {}
 
-  /// Lots that were bought; below 0: sold. Fires the record's update, with the strategy as payload.
+  /// Lots that were bought; below 0: sold. No more are held than 32 bits tell. Fires the record's update,
+  /// with the strategy as payload.
   void Fill(const std::wstring& strategy, const std::wstring& symbol, int64_t lots);
   /// A line of the day says what the strategy holds from now on. What it names of an item stays as it is
   /// until that changes. Fires nothing.

@@ -132,17 +132,47 @@ TEST(StrategyPositions, ALineReplacesAllThatWasHeld) {
   EXPECT_EQ(Value(0), gone.day.Open(kStrategyPosition)->GetValue(read_code::kNode, -1));
 }
 
+/// Of the strategy's items, the one at that place; -1: how many there are, whatever the field.
+Value ItemField(CGroupOrderDay& day, int32_t index, const wchar_t* name) {
+  IRecordBus& bus = day.day.terminal->GetWorld().bus;
+  const auto record = day.day.Open(kStrategyPosition);
+  const auto node = bus.Resolve(Int32Or(record->GetValue(read_code::kNodeByName, L"S1"), 0));
+  const Value item = node->GetValue(read_code::kItem, index);
+  return index < 0 ? item : bus.Resolve(Int32Or(item, 0))->GetValue(read_code::kField, name);
+}
+
 TEST(StrategyPositions, AnItemThatDoesNotSayWhatIsHeldIsLeftAlone) {
   CGroupOrderDay day(
       kPriced + Position("", "[" + Held(R"("Quantity": 2)") + ", " + Held(R"("Quantity": 9)") + ", {}]") +
       Fill("09:00:00", "B", 1));
-  const auto node = day.day.terminal->GetWorld().bus.Resolve(
-      Int32Or(day.day.Open(kStrategyPosition)->GetValue(read_code::kNodeByName, L"S1"), 0));
-  EXPECT_EQ(Value(3), node->GetValue(read_code::kItem, -1));
-  const auto second =
-      day.day.terminal->GetWorld().bus.Resolve(Int32Or(node->GetValue(read_code::kItem, 1), 0));
-  EXPECT_EQ(Value(9), second->GetValue(read_code::kField, L"Quantity"));
+  EXPECT_EQ(Value(3), ItemField(day, -1, L""));
+  EXPECT_EQ(Value(9), ItemField(day, 1, L"Quantity"));
   EXPECT_EQ(Value(3), day.Position(L"S1", kCall, L"Quantity"));
+}
+
+TEST(StrategyPositions, AQuantityBeyond32BitsIsLeftAlone) {
+  for (const int64_t quantity : {std::numeric_limits<int64_t>::min(), std::numeric_limits<int64_t>::max(),
+                                 int64_t{-2147483648}, int64_t{2147483648}}) {
+    CGroupOrderDay day(
+        Figures("", R"("Delta": {"scaled": 50})") + kPriced +
+        Position("",
+                 "[" + Held(R"("Side": 2, "Quantity": {"int64": )" + std::to_string(quantity) + "}") + "]") +
+        Fill("09:00:00", "B", 3));
+    EXPECT_EQ(Value(quantity), ItemField(day, 0, L"Quantity"));
+    EXPECT_EQ(Value(), ItemField(day, 0, L"Delta"));
+    EXPECT_EQ(Value(3), day.Position(L"S1", kCall, L"Quantity"));
+  }
+}
+
+TEST(StrategyPositions, NoMoreIsHeldThan32BitsTell) {
+  const std::string most = "2147483647";
+  CGroupOrderDay bought(kPriced + Position("", "[" + Held("\"Quantity\": " + most) + "]") +
+                        Fill("09:00:00", "B", 5) + Fill("09:00:01", "S", 2));
+  EXPECT_EQ(Value(2147483645), bought.Position(L"S1", kCall, L"Quantity"));
+  CGroupOrderDay sold(kPriced + Position("", "[" + Held("\"Side\": 2, \"Quantity\": " + most) + "]") +
+                      Fill("09:00:00", "S", 2147483647) + Fill("09:00:01", "B", 2));
+  EXPECT_EQ(Value(2147483645), sold.Position(L"S1", kCall, L"Quantity"));
+  EXPECT_EQ(Value(2), sold.Position(L"S1", kCall, L"Side"));
 }
 
 TEST(StrategyPositions, AFillIsToldWithItsStrategyAndAFigureIsNot) {
