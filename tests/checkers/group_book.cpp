@@ -26,9 +26,13 @@ bool HasFault(const Day& day, std::initializer_list<FaultAction::Kind> kinds) {
   });
 }
 
-bool HasMessage(const Day& day) {
-  return std::any_of(day.lines.begin(), day.lines.end(),
-                     [](const DayLine& line) { return std::holds_alternative<MessageAction>(line.action); });
+/// Commands are messages too.
+bool AnnouncesHandles(const Day& day) {
+  return std::any_of(day.lines.begin(), day.lines.end(), [](const DayLine& line) {
+    const auto* const message = std::get_if<MessageAction>(&line.action);
+    return message != nullptr &&
+           (message->topic == L"TRADE.OTO.MANAGER" || message->topic == L"TRADE.HOT.MONTH");
+  });
 }
 
 }  // namespace
@@ -37,7 +41,7 @@ CGroupBook::CGroupBook(const Day& day) : m_end(day.head.end) {
   using Kind = FaultAction::Kind;
   if (HasFault(day, {Kind::kItemOpen})) m_patience = kItemPatience;
   m_timersMayFail = HasFault(day, {Kind::kTimer, Kind::kThread, Kind::kStuck});
-  m_handlesMayFail = HasMessage(day);
+  m_handlesMayFail = AnnouncesHandles(day);
 }
 
 // ---- Looks ----
@@ -50,6 +54,7 @@ void CGroupBook::OnStep(const TraceStep& step) {
 
   if (step.kind == TraceKind::kMessage) {
     Conclude(step.thread, step.at);
+    if (step.topic == "TRADE.HOT.MONTH") ++m_counts["group children announced otherwise"];
     m_announcements[step.thread].record = std::string(kChildRecord) + std::to_string(step.handle);
   } else if (step.kind == TraceKind::kUpdate) {
     Conclude(step.thread, step.at);

@@ -132,9 +132,9 @@ CRecordedDay& CRecordedDay::MoveThread(const std::string& from, const std::strin
   return *this;
 }
 
-CRecordedDay& CRecordedDay::DropRead(BusRead::Kind kind) {
-  const auto found = std::find_if(m_steps.begin(), m_steps.end(), [kind](const Recorded& step) {
-    return step.read && step.read->kind == kind;
+CRecordedDay& CRecordedDay::DropRead(const std::string& record, BusRead::Kind kind) {
+  const auto found = std::find_if(m_steps.begin(), m_steps.end(), [&](const Recorded& step) {
+    return step.read && step.read->kind == kind && step.read->record.starts_with(record);
   });
   if (found == m_steps.end()) {
     ADD_FAILURE() << "nothing of that kind is read";

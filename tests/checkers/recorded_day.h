@@ -37,8 +37,8 @@ class CRecordedDay {
   CRecordedDay& DropThread(const std::string& thread);
   /// Lets all that happens on a thread happen on another.
   CRecordedDay& MoveThread(const std::string& from, const std::string& to);
-  /// Takes out the first read of that kind.
-  CRecordedDay& DropRead(BusRead::Kind kind);
+  /// Takes out the first read of that kind from a record whose name begins so.
+  CRecordedDay& DropRead(const std::string& record, BusRead::Kind kind);
 
   /// The rules that the trace breaks now, each once, in alphabetical order.
   std::set<std::string> BrokenRules() const;

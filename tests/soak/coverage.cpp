@@ -77,6 +77,7 @@ constexpr const char* kGroupKinds[] = {
     "group strings that open",
     "group children announced",
     "group children announced again",
+    "group children announced otherwise",
     "group children that fail",
     "group children that end, 3",
     "group children that end, 5",
