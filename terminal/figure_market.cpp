@@ -70,14 +70,24 @@ ScaledValue CFigurePrice::Middle() const {
   return m_bid > 0 && m_ask > 0 ? m_bid + (m_ask - m_bid) / 2 : NoValue;
 }
 
+void FigureChain::TakeFirstForward() {
+  for (FigureOption& option : options) {
+    if (option.priceForward == NoValue) option.priceForward = future->price.Price();
+  }
+}
+
 // ---- Symbols ----
+
+bool CFigureMarket::IsFuture(const std::wstring& symbol) {
+  return symbol.starts_with(kFuture);
+}
 
 bool CFigureMarket::IsOption(const std::wstring& symbol) {
   return ReadOption(symbol).has_value();
 }
 
 CFigureMarket::Series CFigureMarket::Find(const std::wstring& symbol) {
-  if (symbol.starts_with(kFuture)) return {&FutureOf(symbol), nullptr};
+  if (IsFuture(symbol)) return {&FutureOf(symbol), nullptr};
   return {nullptr, FindOption(symbol)};
 }
 
@@ -116,7 +126,11 @@ void CFigureMarket::AddSymbols(const SymbolsAction& symbols) {
   for (const SymbolsAction::Row& row : symbols.rows) {
     FigureOption* const option = FindOption(ToWide(row[kSymbolColumn].value_or("")));
     const int64_t date = LeadingInt64(ToWide(row[kExpiryColumn].value_or("")));
-    if (option != nullptr && date > 0) option->chain->symbolEnd = date;
+    if (option == nullptr || date <= 0) continue;
+    FigureChain& chain = *option->chain;
+    const int64_t former = chain.EndDate();
+    chain.symbolEnd = date;
+    chain.hasNewEnd |= chain.EndDate() != former;
   }
 }
 
@@ -128,6 +142,7 @@ void CFigureMarket::Link(FigureChain& chain) {
       m_settings.ReadString(m_settingsPath, L"UnderlyingF", chain.product, likeIt, kSettingLimit);
   chain.future = &FutureOf(future + L"." + chain.month);
   chain.future->chains.push_back(&chain);
+  chain.TakeFirstForward();
 }
 
 void CFigureMarket::LinkAll() {

@@ -102,6 +102,8 @@ struct FigureChain {
 
   /// 0: not known yet.
   int64_t EndDate() const { return quotedEnd != 0 ? quotedEnd : symbolEnd; }
+  /// Prices that were told before the future had one belong to its first.
+  void TakeFirstForward();
 };
 
 /// The futures and options of a day, as their figures see them: which chain is valued by which future, what
@@ -117,6 +119,7 @@ class CFigureMarket {
   CFigureMarket(ISettingsFile& settings, std::wstring settingsPath)
       : m_settings(settings), m_settingsPath(std::move(settingsPath)) {}
 
+  static bool IsFuture(const std::wstring& symbol);
   static bool IsOption(const std::wstring& symbol);
 
   /// These make what isn't there yet.
@@ -130,12 +133,15 @@ class CFigureMarket {
   /// Reads anew which future each chain is valued by: the settings have changed.
   void LinkAll();
 
+  std::map<std::wstring, FigureFuture>& Futures() { return m_futures; }
+  std::map<std::wstring, FigureChain>& Chains() { return m_chains; }
+
  private:
   void Link(FigureChain& chain);
 
   ISettingsFile& m_settings;
   const std::wstring m_settingsPath;
-  std::map<std::wstring, FigureFuture> m_futures;
+  std::map<std::wstring, FigureFuture> m_futures;   ///< by symbol
   std::map<std::wstring, FigureChain> m_chains;     ///< by product and month
   std::map<std::wstring, FigureOption*> m_options;  ///< by symbol
 };

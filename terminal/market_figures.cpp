@@ -44,7 +44,8 @@ CMarketFigures::CMarketFigures(IWorldRuntime& runtime, CEmbeddedBus& bus, CBusTh
 // ---- Records ----
 
 bool CMarketFigures::Make(const std::wstring& name) {
-  const bool isVolatility = name.starts_with(kVolatilityRecord);
+  const bool isVolatility =
+      name.starts_with(kVolatilityRecord) && CFigureMarket::IsFuture(name.substr(kVolatilityRecord.size()));
   const bool isOption = name.starts_with(kOptionFiguresRecord) &&
                         CFigureMarket::IsOption(name.substr(kOptionFiguresRecord.size()));
   if (isVolatility || isOption) m_bus.Quote(name);
@@ -104,11 +105,13 @@ void CMarketFigures::SetRecord(const Series& series, bool FigureRecord::*mark, b
 void CMarketFigures::AddSymbols(const SymbolsAction& symbols) {
   CLockGuard guard(m_section);
   m_market.AddSymbols(symbols);
+  ScheduleAll();
 }
 
 void CMarketFigures::OnSettings() {
   CLockGuard guard(m_section);
   m_market.LinkAll();
+  ScheduleAll();
 }
 
 CMarketFigures::Series CMarketFigures::Find(const std::wstring& symbol) {
@@ -132,7 +135,8 @@ void CMarketFigures::OnFuture(FigureFuture& future, const QuoteUpdate& update) {
   if (future.price.Price() == former) return;
   ScheduleVolatility(future);
   for (FigureChain* const chain : future.chains) {
-    if (chain->workedOut > 0) ScheduleOptions(*chain);
+    if (former == NoValue) chain->TakeFirstForward();
+    ScheduleOptions(*chain);
   }
 }
 
@@ -147,10 +151,9 @@ void CMarketFigures::OnOption(FigureOption& option, const QuoteUpdate& update) {
   }
   const bool hasNewEnd = TakeEndDate(chain, update);
   const bool isMoved = std::exchange(*option.chainPrice, option.price.Price()) != option.price.Price();
-  if (isMoved) ScheduleVolatility(*chain.future);
+  if (isMoved || hasNewEnd) ScheduleVolatility(*chain.future);
   const bool movesForward = hasNewEnd || (isMoved && chain.future->price.Price() == NoValue);
-  if (chain.workedOut > 0 && (movesForward || (isTold && option.record.IsWorkedOut())))
-    ScheduleOptions(chain);
+  if (movesForward || (isTold && option.record.IsWorkedOut())) ScheduleOptions(chain);
 }
 
 bool CMarketFigures::TakeEndDate(FigureChain& chain, const QuoteUpdate& update) {
@@ -162,6 +165,11 @@ bool CMarketFigures::TakeEndDate(FigureChain& chain, const QuoteUpdate& update) 
   const bool isNew = chain.EndDate() != former;
   chain.hasNewEnd |= isNew;
   return isNew;
+}
+
+void CMarketFigures::ScheduleAll() {
+  for (auto& [symbol, future] : m_market.Futures()) ScheduleVolatility(future);
+  for (auto& [month, chain] : m_market.Chains()) ScheduleOptions(chain);
 }
 
 // ---- The volatility of a future ----
@@ -191,8 +199,8 @@ void CMarketFigures::UpdateVolatility(FigureFuture& future) {
 
 ScaledValue CMarketFigures::VolatilityOf(const FigureFuture& future) {
   std::vector<const FigureChain*> chains(future.chains.begin(), future.chains.end());
-  std::stable_sort(chains.begin(), chains.end(), [](const FigureChain* left, const FigureChain* right) {
-    return left->EndDate() < right->EndDate();
+  std::ranges::sort(chains, {}, [](const FigureChain* chain) {
+    return std::pair(chain->EndDate(), std::wstring_view(chain->product));
   });
   for (const FigureChain* const chain : chains) {
     const std::optional<TimePoint> expiry = ExpiryOf(*chain);
@@ -206,6 +214,7 @@ ScaledValue CMarketFigures::VolatilityOf(const FigureFuture& future) {
 // ---- The figures of options ----
 
 void CMarketFigures::ScheduleOptions(FigureChain& chain) {
+  if (chain.workedOut == 0) return;
   ScheduleOptions(chain, std::max(m_runtime.Now(), chain.lastTime + m_period));
 }
 

@@ -16,7 +16,8 @@ namespace iorder {
 /// Works out the figures of options from the market, in two kinds of records.
 ///
 /// "OPT.Volatility.<future>" has the field "ImpVol", a scaled value in percent, see ChainVolatility. The
-/// chain is one that is valued by that future; of several the one that expires first is taken.
+/// chain is one that is valued by that future; of several the one that expires first is taken, of those that
+/// expire together the one whose product's name comes first.
 ///
 /// "OPT.REAL.<option>" has the fields of kOptionFigureFields and "MCODE", which is 1 as long as there are
 /// figures. An option's volatility is the one that its price implied when it was told, the forward is the
@@ -27,8 +28,8 @@ namespace iorder {
 /// the end of the expiry date, 365 days each.
 ///
 /// A record is worked out while it is subscribed, anew when a price of its market has changed and at most
-/// once in the head's "figures_ms", and fires an update when it has changed. One that a line of the day has
-/// filled belongs to the lines.
+/// once in the head's "figures_ms" (settings and expiry dates count as its market, too), and fires an update
+/// when it has changed. One that a line of the day has filled belongs to the lines.
 ///
 /// Any thread may call; figures are worked out and fired on the thread of the bus. The lock covers prices and
 /// what belongs to them; nothing is fired under it.
@@ -64,8 +65,10 @@ class CMarketFigures {
   static bool TakeEndDate(FigureChain& chain, const QuoteUpdate& update);
   void SetRecord(const Series& series, bool FigureRecord::*mark, bool value) IORDER_REQUIRES(m_section);
 
+  /// After news of any kind.
+  void ScheduleAll() IORDER_REQUIRES(m_section);
   void ScheduleVolatility(FigureFuture& future) IORDER_REQUIRES(m_section);
-  /// After a move of the market.
+  /// After a move of the market; nothing is done for a chain of which nothing is worked out.
   void ScheduleOptions(FigureChain& chain) IORDER_REQUIRES(m_section);
   void ScheduleOptions(FigureChain& chain, TimePoint time) IORDER_REQUIRES(m_section);
   void UpdateVolatility(FigureFuture& future);

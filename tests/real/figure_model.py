@@ -104,8 +104,6 @@ class Chain:
         if self.future != self.forward:
             self.forward, self.all_worked_out = self.future, (self.future, now)
         for option in self.moved:
-            if option.price and option.price[2] is None:
-                option.price = *option.price[:2], self.forward
             option.worked_out = option.price, self.forward, now
         self.moved.clear()
 
@@ -134,6 +132,8 @@ class MarketFigures:
     def trade(self, now, symbol, price):
         if symbol in self.futures:
             chain = self.futures[symbol]
+            if chain.future is None:
+                self.take_first_forward(chain, price)
             if chain.future != price:
                 chain.future = price
                 chain.on_move(now)
@@ -143,6 +143,12 @@ class MarketFigures:
             if option.is_wanted:
                 option.chain.moved.add(option)
                 option.chain.on_move(now)
+
+    def take_first_forward(self, chain, forward):
+        """What was told before the future had a price is held against its first."""
+        for option in self.options.values():
+            if option.chain is chain and option.price:
+                option.price = *option.price[:2], forward
 
     def next_look(self):
         return min((chain.due for chain in self.chains.values() if chain.due is not None), default=None)

@@ -167,6 +167,53 @@ TEST(MarketFigures, TheSettingsNameTheFutureOfAProductAndTheQuoteTheExpiry) {
   EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 300 1"));
 }
 
+TEST(MarketFigures, OfChainsThatExpireTogetherTheFirstProductCounts) {
+  const std::string settings =
+      R"({"settings": "ComShared/OpenLottery.ini", "text": "[UnderlyingF]\nND.O.TWF.AX=ND.F.TWF.TX\n"})"
+      "\n";
+  const std::string end = R"({"quote": "ND.O.TWF.AX.202403.C.18000", "end_date": 20240320}
+)";
+  const std::string market = TradeLine("08:50:00", "ND.F.TWF.TX.202403", 18000) +
+                             Option("08:50:00", true, 18000, 20) +
+                             Option("08:50:00", true, 18000, 30, "AX.202403");
+  const std::string subscribe = "{\"command\": \"subscribe\"}\n";
+  for (const std::string& lines : {settings + kSymbols + end + market, settings + end + kSymbols + market,
+                                   kSymbols + end + market + settings}) {
+    CVolatilityDay day(lines + subscribe);
+    EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 300 1"));
+  }
+}
+
+TEST(MarketFigures, SettingsAndSymbolsOfTheDayMoveTheFigure) {
+  const std::string product =
+      R"({"at": "08:51:00", "settings": "ComShared/OpenLottery.ini", "text": "[UnderlyingF]\nND.O.TWF.TX=ND.F.TWF.OTHER\nND.O.TWF.TXW=ND.F.TWF.TX\n"})"
+      "\n";
+  const std::string market =
+      TradeLine("08:50:00", "ND.F.TWF.TX.202403", 18000) + Option("08:50:00", true, 18000, 20) +
+      Option("08:50:00", true, 18000, 30, "TXW.202403") + "{\"command\": \"subscribe\"}\n";
+  CVolatilityDay day(R"({"quote": "ND.O.TWF.TXW.202403.C.18000", "end_date": 20240320}
+)" + market + "{\"at\": \"08:50:30\", " +
+                     kSymbols.substr(1) + product);
+  EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 none 0", "08:50:30.000 200 1", "08:51:00.000 300 1"));
+}
+
+TEST(MarketFigures, AnEndDateOfAQuoteMovesTheFigure) {
+  CVolatilityDay day(TradeLine("08:50:00", "ND.F.TWF.TX.202403", 18000) +
+                     Option("08:50:00", true, 18000, 20) + "{\"command\": \"subscribe\"}\n" +
+                     QuoteLine("08:51:00", "ND.O.TWF.TX.202403.C.18000", R"("end_date": 20240320)"));
+  EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 none 0", "08:51:00.000 200 1"));
+}
+
+TEST(MarketFigures, OnlyFuturesHaveTheirRecords) {
+  CPlayedDay day("{\"at\": \"08:50:00\", \"note\": \"\"}\n", R"(, "figures": "market")");
+  const auto opens = [&day](const wchar_t* name) { return day.terminal->Events().OpenRecord(name) != 0; };
+  EXPECT_TRUE(opens(kRecord));
+  EXPECT_TRUE(opens(L"OPT.Volatility.ND.F.TWF.TXW.202403"));
+  EXPECT_FALSE(opens(L"OPT.Volatility.ND.O.TWF.TX.202403.C.18000"));
+  EXPECT_FALSE(opens(L"OPT.Volatility.ND.S.TWF.2330"));
+  EXPECT_FALSE(opens(L"OPT.Volatility."));
+}
+
 TEST(MarketFigures, GivenFiguresAreNotTouched) {
   CPlayedDay day("{\"at\": \"08:50:00\", \"note\": \"\"}\n");
   EXPECT_EQ(0, day.terminal->Events().OpenRecord(kRecord));

@@ -92,6 +92,19 @@ TEST(OptionFigures, ATradeBeforeTheFirstOneOfTheFutureIsValuedAtThat) {
   EXPECT_THAT(day.seen, ElementsAre("08:50:01.000 " + CallFigures(18100, 20)));
 }
 
+TEST(OptionFigures, ThatIsSoWheneverItIsSubscribed) {
+  COptionDay day(TradedCall("08:50:00", 18100, 20) + TradedFuture("08:50:01", 18100) +
+                 TradedFuture("08:51:00", 18400) + CommandLine("08:52:00", "subscribe"));
+  EXPECT_THAT(day.seen, ElementsAre("08:52:00.000 " + CallFigures(18400, 20)));
+}
+
+TEST(OptionFigures, AFutureThatHadNoPriceForAWhileBeginsAnew) {
+  COptionDay day(TradedFuture("08:50:00", 17000) + QuoteLine("08:50:00", kFuture, R"("price": null)") +
+                 TradedCall("08:50:00", 18100, 20) + TradedFuture("08:50:01", 18100) +
+                 TradedFuture("08:51:00", 18400) + CommandLine("08:52:00", "subscribe"));
+  EXPECT_THAT(day.seen, ElementsAre("08:52:00.000 " + CallFigures(18400, 20)));
+}
+
 TEST(OptionFigures, WithoutATradeTheMiddleOfBidAndAskCounts) {
   const double price = BlackPrice(true, 18000, 18100, 25, kYears);
   const std::string both =
@@ -119,22 +132,48 @@ TEST(OptionFigures, WithoutAFutureTheForwardIsWhatPutCallParityImplies) {
                                     "08:50:02.000 " + CallFigures(18200, 20)));
 }
 
+std::string ValuedBy(const std::string& at, const std::string& product) {
+  return "{\"at\": \"" + at +
+         R"(", "settings": "ComShared/OpenLottery.ini", "text": "[UnderlyingF]\nND.O.TWF.TX=)" + product +
+         "\\n\"}\n";
+}
+
 TEST(OptionFigures, SettingsThatChangeGiveTheChainAnotherFuture) {
-  const std::string settings =
-      R"({"settings": "ComShared/OpenLottery.ini", "text": "[UnderlyingF]\nND.O.TWF.TX=ND.F.TWF.MX\n"})"
-      "\n";
   COptionDay day(TradedFuture("08:50:00", 18100) + TradeLine("08:50:00", "ND.F.TWF.MX.202403", 18200) +
-                 TradedCall("08:50:00", 18100, 20) + kSubscribe + settings +
+                 TradedCall("08:50:00", 18100, 20) + kSubscribe + ValuedBy("08:50:30", "ND.F.TWF.MX") +
                  TradeLine("08:51:00", "ND.F.TWF.MX.202403", 18300));
-  EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 " + CallFigures(18100, 20),
-                                    "08:51:00.000 " + CallFigures(18300, 20)));
+  EXPECT_THAT(day.seen,
+              ElementsAre("08:50:00.000 " + CallFigures(18100, 20), "08:50:30.000 " + CallFigures(18200, 20),
+                          "08:51:00.000 " + CallFigures(18300, 20)));
+}
+
+TEST(OptionFigures, ATradeThatHadNoFutureIsValuedAtTheOneThatTheSettingsGiveIt) {
+  COptionDay day(TradeLine("08:50:00", "ND.F.TWF.MX.202403", 18100) + TradedCall("08:50:00", 18100, 20) +
+                 ValuedBy("08:50:30", "ND.F.TWF.MX") + TradeLine("08:51:00", "ND.F.TWF.MX.202403", 18400) +
+                 CommandLine("08:52:00", "subscribe"));
+  EXPECT_THAT(day.seen, ElementsAre("08:52:00.000 " + CallFigures(18400, 20)));
+}
+
+std::string EndsOn(const std::string& at, const std::string& date) {
+  return "{\"at\": \"" + at + R"(", "symbols": [{"Symbol": ")" + kCall + R"(", "Type": "O", "ExpDate": ")" +
+         date + "\"}]}\n";
 }
 
 TEST(OptionFigures, AnotherEndDateGivesAnotherVolatility) {
-  COptionDay day(TradedFuture("08:50:00", 18100) + TradedCall("08:50:00", 18100, 20) + kSubscribe +
-                 QuoteLine("08:50:01", kCall, R"("end_date": 20240417)"));
-  ASSERT_EQ(2U, day.seen.size());
-  EXPECT_EQ("08:50:01.000 1", day.seen[1].substr(0, 14));  // a longer time, a lower volatility
+  const std::string market = TradedFuture("08:50:00", 18100) + TradedCall("08:50:00", 18100, 20) + kSubscribe;
+  for (const std::string& line :
+       {QuoteLine("08:50:01", kCall, R"("end_date": 20240417)"), EndsOn("08:50:01", "20240417")}) {
+    COptionDay day(market + line);
+    ASSERT_EQ(2U, day.seen.size());
+    EXPECT_EQ("08:50:01.000 1", day.seen[1].substr(0, 14));  // a longer time, a lower volatility
+  }
+}
+
+TEST(OptionFigures, SymbolsThatSayNothingNewChangeNothing) {
+  COptionDay day(TradedFuture("08:50:00", 18100) + TradedCall("08:50:00", 18100, 20) +
+                 QuoteLine("08:50:00", kCall, R"("end_date": 20240320)") + kSubscribe +
+                 EndsOn("08:50:01", "20240417") + ValuedBy("08:50:02", "ND.F.TWF.TX"));
+  EXPECT_THAT(day.seen, ElementsAre("08:50:00.000 " + CallFigures(18100, 20)));
 }
 
 TEST(OptionFigures, APutHasItsOwn) {
