@@ -149,7 +149,7 @@ using Happening =
     std::variant<OrderSent, CancelSent, OptionJudged, OrderAnswered, StateChanged, StrategyStarted,
                  StrategyGone, BatchPlaced, OrderFilled, PositionChanged, PositionValued, TagTotalChanged,
                  LimitReached, RunEnded, WeightKnown, GroupOrderLooked, GroupCycleMade, GroupLegChosen,
-                 GroupChildAnnounced, GroupChildChanged, GroupLookPlanned, GroupLookPassed, GroupOrderEnded, CommandRefused,
-                 FaultReported>;
+                 GroupChildAnnounced, GroupChildChanged, GroupLookPlanned, GroupLookPassed, GroupOrderEnded,
+                 CommandRefused, FaultReported>;
 
 }  // namespace iorder
