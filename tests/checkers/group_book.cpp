@@ -12,8 +12,6 @@ constexpr int32_t kFirstTimer = 3000;
 constexpr int32_t kLastTimer = 9000;
 constexpr Milliseconds kRecheckDelay{2000};
 constexpr Milliseconds kLeastDelay{50};
-/// An item that doesn't open is tried for so long.
-constexpr Milliseconds kItemPatience{1100};
 
 bool IsEnd(int32_t execType) {
   return execType == 2 || execType == 3 || execType == 5 || execType == 7 || execType == 8 || execType == 10;
@@ -39,7 +37,6 @@ bool AnnouncesHandles(const Day& day) {
 
 CGroupBook::CGroupBook(const Day& day) : m_end(day.head.end) {
   using Kind = FaultAction::Kind;
-  if (HasFault(day, {Kind::kItemOpen})) m_patience = kItemPatience;
   m_timersMayFail = HasFault(day, {Kind::kTimer, Kind::kThread, Kind::kStuck});
   m_handlesMayFail = AnnouncesHandles(day);
 }
@@ -290,7 +287,7 @@ void CGroupBook::Conclude(const std::string& thread, LocalTime at) {
 void CGroupBook::OnMomentEnd(LocalTime at) {
   while (!m_announcements.empty()) Conclude(std::string(m_announcements.begin()->first), at);
   while (!m_updates.empty()) Conclude(std::string(m_updates.begin()->first), at);
-  for (GroupLook& look : m_looks.TakeFinished(at, m_patience)) Finish(std::move(look));
+  for (GroupLook& look : m_looks.TakeFinished(at)) Finish(std::move(look));
   LookForMissed(at);
 }
 

@@ -100,7 +100,6 @@ class CGroupBook {
   void CountCycle(const Cycle& cycle);
 
   const std::optional<LocalTime> m_end;
-  Milliseconds m_patience{0};     ///< of a look that may wait for items
   bool m_timersMayFail = false;   ///< by a fault of the day
   bool m_handlesMayFail = false;  ///< the day announces handles of its own
 

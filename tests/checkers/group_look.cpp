@@ -11,6 +11,8 @@ constexpr std::string_view kPositions = "STRATEGY.POSITION";
 constexpr std::string_view kSettings = "TRADE.EXTENDORDER.SETUP";
 constexpr std::string_view kFigures = "OPT.REAL.";
 constexpr int32_t kFirstRecheck = 3000;
+/// An item that doesn't open, or that is gone by then, is tried again sooner than this.
+constexpr Milliseconds kItemPatience{100};
 
 }  // namespace
 
@@ -71,6 +73,7 @@ GroupLook* CGroupLooks::OnRead(const BusRead& read) {
 
 void CGroupLooks::Note(GroupLook& look, const BusRead& read) {
   look.lastAt = read.at;
+  look.waits = read.kind == BusRead::Kind::kItem && Int32Of(read.value, 0) == 0;
   if (read.record.starts_with(kPositions)) {
     NotePosition(look, read);
   } else if (read.record.starts_with(kFigures) && read.kind == BusRead::Kind::kField) {
@@ -101,10 +104,10 @@ void CGroupLooks::NotePosition(GroupLook& look, const BusRead& read) {
   }
 }
 
-std::vector<GroupLook> CGroupLooks::TakeFinished(LocalTime at, Milliseconds patience) {
+std::vector<GroupLook> CGroupLooks::TakeFinished(LocalTime at) {
   std::vector<GroupLook> finished;
   for (auto course = m_courses.begin(); course != m_courses.end();) {
-    if (at - course->second.look.lastAt < patience) {
+    if (course->second.look.waits && at - course->second.look.lastAt < kItemPatience) {
       ++course;
       continue;
     }

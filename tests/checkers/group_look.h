@@ -35,9 +35,10 @@ struct GroupLook {
   std::string thread;
   std::optional<GroupCommand> command;  ///< none: by a timer
   int32_t timer = 0;
-  LocalTime lastAt;                                        ///< of the last that belongs to it
-  std::vector<PositionWalk> walks;                         ///< in their order
-  std::vector<OptionSeen> options;                         ///< in their order
+  LocalTime lastAt;                 ///< of the last that belongs to it
+  bool waits = false;               ///< for an item that doesn't open, and is tried again
+  std::vector<PositionWalk> walks;  ///< in their order
+  std::vector<OptionSeen> options;  ///< in their order
   std::vector<std::pair<std::string, bool>> settingNames;  ///< asked for, and whether they were there
   std::map<std::string, Value> settings;                   ///< fields of the one that was there
   std::vector<TraceStep> strings;
@@ -54,8 +55,8 @@ class CGroupLooks {
 
   /// The look that goes on on the thread, or none.
   GroupLook* Find(const std::string& thread);
-  /// Takes out those in which nothing has happened for so long.
-  std::vector<GroupLook> TakeFinished(LocalTime at, Milliseconds patience);
+  /// Takes out those that are over with this moment.
+  std::vector<GroupLook> TakeFinished(LocalTime at);
   /// Those that a new one on their thread has ended.
   std::vector<GroupLook> TakeEnded() { return std::exchange(m_ended, {}); }
 

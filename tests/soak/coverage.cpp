@@ -122,10 +122,11 @@ std::string CCoverage::Table() const {
 
 std::string CCoverage::Missing() const {
   std::string missing;
-  for (const auto& [kind, count] : m_counts) {
+  for (const auto& happened : m_counts) {
+    const std::string& kind = happened.first;
     const bool isRare = std::any_of(std::begin(kStrategyKinds), std::end(kStrategyKinds),
                                     [&](const Kind& known) { return known.isRare && known.name == kind; });
-    if (count == 0 && !isRare) missing += " '" + kind + "'";
+    if (happened.second == 0 && !isRare) missing += " '" + kind + "'";
   }
   return missing;
 }
