@@ -51,9 +51,9 @@ CAutomaticOrders::CAutomaticOrders(IWorldRuntime& runtime, CEmbeddedBus& bus, CB
 
 // ---- What comes in ----
 
-void CAutomaticOrders::OnOrder(const SentOrder& order) {
+void CAutomaticOrders::OnOrder(const SentOrderPtr& order) {
   const TimePoint now = m_runtime.Now();
-  if (!IsGroupOrder(order)) {
+  if (!IsGroupOrder(*order)) {
     m_busThread.Post(now + m_rules.latency, [this, order] { Arrive({order}); });
   } else if (m_groups.Join(order)) {
     m_busThread.Post(now + std::max(m_rules.latency, kLeastGroupLatency),
@@ -86,7 +86,7 @@ void CAutomaticOrders::OnQuote(COrderBook& book, const QuoteUpdate& update) {
   Post(jobs);
 }
 
-void CAutomaticOrders::Arrive(const std::vector<SentOrder>& together) {
+void CAutomaticOrders::Arrive(const std::vector<SentOrderPtr>& together) {
   const std::vector<Arrival> arrivals = m_door.Receive(together);
   Jobs jobs;
   {
@@ -129,11 +129,11 @@ bool CAutomaticOrders::EndChild(const ChildAction& child) {
 // ---- What becomes of an order ----
 
 void CAutomaticOrders::ReceiveLocked(const Arrival& arrival, Jobs& jobs) {
-  Order& order = m_orders[arrival.sent.number];
+  Order& order = m_orders[arrival.sent->number];
   order.sent = arrival.sent;
-  order.isChild = IsGroupOrder(arrival.sent);
+  order.isChild = IsGroupOrder(*arrival.sent);
   order.side = arrival.request.side;
-  order.report.order = arrival.sent.number;
+  order.report.order = arrival.sent->number;
   order.report.sent = arrival.request.quantity;
   order.report.leaves = arrival.request.quantity;
   if (!arrival.refusal.empty()) {
@@ -162,14 +162,14 @@ void CAutomaticOrders::EnterLocked(Order& order, const Arrival& arrival, Jobs& j
   }
   order.report.price = *limit;
   AcknowledgeLocked(order, jobs);
-  if (order.isChild && m_draws.FailsChild(order.sent.number, m_rules.failedChild)) {
-    const bool isStopped = m_draws.IsStopped(order.sent.number);
+  if (order.isChild && m_draws.FailsChild(order.sent->number, m_rules.failedChild)) {
+    const bool isStopped = m_draws.IsStopped(order.sent->number);
     EndLocked(order, isStopped ? exec_type::kStopped : exec_type::kCancelled,
               m_runtime.Now() + m_rules.latency, jobs);
     return;
   }
   m_fills.clear();
-  const int64_t left = book.Enter({order.sent.number, request.side, *limit, request.quantity,
+  const int64_t left = book.Enter({order.sent->number, request.side, *limit, request.quantity,
                                    !request.isImmediateOrCancel, request.words.has_value()},
                                   m_fills);
   FillLocked(m_fills, jobs);
@@ -181,7 +181,7 @@ void CAutomaticOrders::EnterLocked(Order& order, const Arrival& arrival, Jobs& j
 
 void CAutomaticOrders::AcknowledgeLocked(Order& order, Jobs& jobs) {
   order.report.execType = exec_type::kWorking;
-  if (order.isChild || !m_draws.LosesAck(order.sent.number, m_rules.lostAck)) {
+  if (order.isChild || !m_draws.LosesAck(order.sent->number, m_rules.lostAck)) {
     ReportLocked(order, exec_type::kWorking, m_runtime.Now(), jobs);
   }
 }
@@ -189,12 +189,12 @@ void CAutomaticOrders::AcknowledgeLocked(Order& order, Jobs& jobs) {
 /// Plans the next step of an order that follows the market and isn't there yet.
 void CAutomaticOrders::FollowLocked(Order& order, Jobs& jobs) {
   if (!order.chase) return;
-  if (!exec_type::IsWorking(order.report.execType) || order.report.price == NoValue) {
+  if (order.report.price == NoValue) {
     order.chase.reset();
     return;
   }
   jobs.push_back({m_runtime.Now() + order.chase->Timeout(),
-                  [this, number = order.sent.number] { FollowMarket(number); }});
+                  [this, number = order.sent->number] { FollowMarket(number); }});
 }
 
 void CAutomaticOrders::FollowMarket(int32_t number) {
@@ -227,10 +227,10 @@ void CAutomaticOrders::FillLocked(const std::vector<BookFill>& fills, Jobs& jobs
     report.leaves -= fill.quantity;
     order.value += Int128{fill.price} * fill.quantity;
     report.average = AveragePrice(order.value, report.filled);
-    const std::wstring strategy = OrderField(order.sent.fields, L"STRATEGY");
+    const std::wstring strategy = OrderField(order.sent->fields, L"STRATEGY");
     if (order.isChild && !strategy.empty()) {
       const int64_t lots = order.side == OrderSide::kBuy ? fill.quantity : -fill.quantity;
-      jobs.push_back({due, [this, strategy, symbol = OrderField(order.sent.fields, L"SYMBOL"), lots] {
+      jobs.push_back({due, [this, strategy, symbol = OrderField(order.sent->fields, L"SYMBOL"), lots] {
                         m_positions.Fill(strategy, symbol, lots);
                       }});
     }
@@ -239,7 +239,7 @@ void CAutomaticOrders::FillLocked(const std::vector<BookFill>& fills, Jobs& jobs
 }
 
 void CAutomaticOrders::EndLocked(Order& order, int32_t execType, TimePoint due, Jobs& jobs) {
-  if (order.book != nullptr) order.book->Cancel(order.sent.number);
+  if (order.book != nullptr) order.book->Cancel(order.sent->number);
   order.report.leaves = 0;
   ReportLocked(order, execType, due, jobs);
 }
@@ -248,6 +248,7 @@ void CAutomaticOrders::EndLocked(Order& order, int32_t execType, TimePoint due, 
 
 void CAutomaticOrders::ReportLocked(Order& order, int32_t execType, TimePoint due, Jobs& jobs) {
   order.report.execType = execType;
+  if (!exec_type::IsWorking(execType)) order.chase.reset();
   const bool isChild = order.isChild;
   const std::vector<TimePoint> times =
       isChild ? m_children.Add(order.sent, order.report, due) : m_reports.Add(order.report, due);
@@ -275,7 +276,7 @@ void CAutomaticOrders::Deliver() {
       const std::optional<OrderReport> report = m_reports.TakeDue(m_runtime.Now());
       if (!report) return;
       number = report->order;
-      fields = FieldsOf(m_orders[number].sent, *report);
+      fields = FieldsOf(*m_orders[number].sent, *report);
     }
     FireReport(m_bus, number - 1, fields);
   }

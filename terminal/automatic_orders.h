@@ -43,7 +43,7 @@ class CAutomaticOrders {
                    CAccountsRecord& accounts, CChildRecords& childRecords, CStrategyPositions& positions,
                    const OrderRules& rules, uint64_t seed);
 
-  void OnOrder(const SentOrder& order);
+  void OnOrder(const SentOrderPtr& order);
   void OnCancel(const SentCancel& cancel);
   /// A line of the day ends a child order that works: it is taken out of the market, and told with what the
   /// line names. False, and nothing done, if the line doesn't tell an end of such an order.
@@ -57,13 +57,13 @@ class CAutomaticOrders {
  private:
   /// An order that the market has taken, or refused.
   struct Order {
-    SentOrder sent;
+    SentOrderPtr sent;
     bool isChild = false;
     OrderSide side = OrderSide::kBuy;
     COrderBook* book = nullptr;
     OrderReport report;           ///< the last one
     Int128 value = 0;             ///< price times lots of all fills
-    std::optional<CChase> chase;  ///< while it follows the market
+    std::optional<CChase> chase;  ///< while it works and follows the market
   };
   /// What is to be done when the lock has been left.
   struct Job {
@@ -72,7 +72,7 @@ class CAutomaticOrders {
   };
   using Jobs = std::vector<Job>;
 
-  void Arrive(const std::vector<SentOrder>& together);
+  void Arrive(const std::vector<SentOrderPtr>& together);
   void ArriveCancel(const std::wstring& reportId);
   void FollowMarket(int32_t number);
 

@@ -50,10 +50,10 @@ CChildOrders::CChildOrders(IWorldRuntime& runtime, const OrderRules& rules, cons
       m_section(runtime, "child orders"),
       m_reports(WithoutFillLag(rules), draws) {}
 
-std::vector<TimePoint> CChildOrders::Add(const SentOrder& order, OrderReport report, TimePoint due) {
+std::vector<TimePoint> CChildOrders::Add(const SentOrderPtr& order, OrderReport report, TimePoint due) {
   if (!IsTold(report)) return {};
   CLockGuard guard(m_section);
-  Child& child = m_children[order.number];
+  Child& child = m_children[order->number];
   child.sent = order;
   report.announces = !std::exchange(child.isOnItsWay, true);
   return m_reports.Add(report, due);
@@ -69,7 +69,7 @@ bool CChildOrders::IsTold(const OrderReport& report) const {
 void CChildOrders::Deliver() {
   while (true) {
     std::optional<OrderReport> report;
-    SentOrder sent;
+    SentOrderPtr sent;
     bool isTold = false;
     {
       CLockGuard guard(m_section);
@@ -79,7 +79,7 @@ void CChildOrders::Deliver() {
       sent = child.sent;
       isTold = std::exchange(child.isTold, true);
     }
-    Tell(sent, *report, isTold);
+    Tell(*sent, *report, isTold);
   }
 }
 

@@ -26,13 +26,13 @@ class CChildOrders {
 
   /// Puts on its way what is to be told then, or later by what is drawn. The times at which Deliver has
   /// something to do. Any thread may call.
-  std::vector<TimePoint> Add(const SentOrder& order, OrderReport report, TimePoint due);
+  std::vector<TimePoint> Add(const SentOrderPtr& order, OrderReport report, TimePoint due);
   /// Tells what is due. On the thread of the bus, under no lock.
   void Deliver();
 
  private:
   struct Child {
-    SentOrder sent;
+    SentOrderPtr sent;
     bool isOnItsWay = false;  ///< the announcement has been put in
     bool isTold = false;      ///< its record holds what the order is
   };

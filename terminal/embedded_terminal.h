@@ -42,7 +42,7 @@ class CEmbeddedTerminal {
   /// One line "FILE:LINE: what", if the day couldn't be played to its end.
   const std::optional<std::string>& Error() const { return m_error; }
 
-  std::vector<SentOrder> Orders() { return m_parts.orders.Orders(); }
+  std::vector<SentOrderPtr> Orders() { return m_parts.orders.Orders(); }
   std::vector<SentCancel> Cancels() { return m_parts.orders.Cancels(); }
   /// From any thread, while the day is played.
   size_t LinesPlayed() const { return m_player.LinesPlayed(); }

@@ -43,8 +43,8 @@ void CManualAnswers::WorkOutQuantities(const ReportAction& report, ReportFields&
 }
 
 void CManualAnswers::Report(const ReportAction& report) {
-  const SentOrder order = m_orders.Order(report.order);
-  ReportFields& fields = m_reports.try_emplace(report.order, FirstReport(order)).first->second;
+  const SentOrderPtr order = m_orders.Order(report.order);
+  ReportFields& fields = m_reports.try_emplace(report.order, FirstReport(*order)).first->second;
   for (const FieldChange& field : report.fields) {
     fields[field.name] = field.value;
   }
@@ -53,12 +53,12 @@ void CManualAnswers::Report(const ReportAction& report) {
 }
 
 void CManualAnswers::Child(const ChildAction& child) {
-  const SentOrder order = m_orders.Order(child.order);
+  const SentOrderPtr order = m_orders.Order(child.order);
   const std::wstring levelKey = LevelKeyOf(child);
   const bool isFirst = !m_children.Has(levelKey);
   std::vector<FieldChange> fields;
   if (isFirst) {
-    fields = {{L"Strategy", TextField(OrderField(order.fields, L"STRATEGY"))},
+    fields = {{L"Strategy", TextField(OrderField(order->fields, L"STRATEGY"))},
               {L"LevelKey", TextField(levelKey)}};
   }
   fields.insert(fields.end(), child.fields.begin(), child.fields.end());

@@ -10,12 +10,12 @@ namespace {
 
 /// One refusal is all orders' if the group says so.
 void RefuseWholeGroup(std::vector<Arrival>& group) {
-  if (LeadingInt64(OrderField(group.front().sent.fields, L"GROUPTYPE")) == 0) return;
+  if (LeadingInt64(OrderField(group.front().sent->fields, L"GROUPTYPE")) == 0) return;
   const auto refused = std::find_if(group.begin(), group.end(),
                                     [](const Arrival& arrival) { return !arrival.refusal.empty(); });
   if (refused == group.end()) return;
   const std::wstring reason =
-      L"order " + ToDecimal(refused->sent.number) + L" of its group is rejected: " + refused->refusal;
+      L"order " + ToDecimal(refused->sent->number) + L" of its group is rejected: " + refused->refusal;
   for (Arrival& arrival : group) {
     if (arrival.refusal.empty()) arrival.refusal = reason;
   }
@@ -23,12 +23,12 @@ void RefuseWholeGroup(std::vector<Arrival>& group) {
 
 }  // namespace
 
-std::vector<Arrival> COrderDoor::Receive(const std::vector<SentOrder>& together) {
+std::vector<Arrival> COrderDoor::Receive(const std::vector<SentOrderPtr>& together) {
   std::vector<Arrival> arrivals;
-  for (const SentOrder& sent : together) {
-    OrderRequest request = ReadOrderRequest(sent.fields, m_rules.chase);
+  for (const SentOrderPtr& sent : together) {
+    OrderRequest request = ReadOrderRequest(sent->fields, m_rules.chase);
     CTickLadder ladder = TickLadderOf(m_bus, request.symbol);
-    std::wstring refusal = RefusalOf(sent, request);
+    std::wstring refusal = RefusalOf(*sent, request);
     arrivals.push_back({sent, std::move(request), std::move(ladder), std::move(refusal)});
   }
   RefuseWholeGroup(arrivals);

@@ -15,7 +15,7 @@ namespace iorder {
 
 /// An order at the door of the market.
 struct Arrival {
-  SentOrder sent;
+  SentOrderPtr sent;
   OrderRequest request;
   CTickLadder ladder;
   std::wstring refusal;  ///< why the market doesn't take it; "" if it does
@@ -28,7 +28,7 @@ class COrderDoor {
       : m_bus(bus), m_accounts(accounts), m_rules(rules), m_draws(draws) {}
 
   /// Orders that come together. A group whose GROUPTYPE isn't 0 is taken whole or not at all.
-  std::vector<Arrival> Receive(const std::vector<SentOrder>& together);
+  std::vector<Arrival> Receive(const std::vector<SentOrderPtr>& together);
 
  private:
   std::wstring RefusalOf(const SentOrder& sent, const OrderRequest& request);

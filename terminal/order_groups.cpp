@@ -17,18 +17,18 @@ bool IsGroupOrder(const SentOrder& order) {
   return LeadingInt64(OrderField(order.fields, L"SYNTHETIC")) == 1;
 }
 
-bool COrderGroups::Join(const SentOrder& order) {
-  if (GroupId(order).empty()) return true;
+bool COrderGroups::Join(const SentOrderPtr& order) {
+  if (GroupId(*order).empty()) return true;
   CLockGuard guard(m_section);
-  std::vector<SentOrder>& group = m_groups[GroupId(order)];
+  std::vector<SentOrderPtr>& group = m_groups[GroupId(*order)];
   group.push_back(order);
   return group.size() == 1;
 }
 
-std::vector<SentOrder> COrderGroups::Take(const SentOrder& order) {
-  if (GroupId(order).empty()) return {order};
+std::vector<SentOrderPtr> COrderGroups::Take(const SentOrderPtr& order) {
+  if (GroupId(*order).empty()) return {order};
   CLockGuard guard(m_section);
-  return std::move(m_groups.extract(GroupId(order)).mapped());
+  return std::move(m_groups.extract(GroupId(*order)).mapped());
 }
 
 }  // namespace iorder

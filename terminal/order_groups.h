@@ -21,13 +21,13 @@ class COrderGroups {
 
   /// Puts an order to its group; one without a GROUPID is a group by itself. True if it is the first one
   /// there: who put it in takes the group out when it is due.
-  bool Join(const SentOrder& order);
+  bool Join(const SentOrderPtr& order);
   /// The orders of the order's group, in the order in which they were sent; the group is gone then.
-  std::vector<SentOrder> Take(const SentOrder& order);
+  std::vector<SentOrderPtr> Take(const SentOrderPtr& order);
 
  private:
   CCriticalSection m_section;
-  std::map<std::wstring, std::vector<SentOrder>> m_groups IORDER_GUARDED_BY(m_section);  ///< by GROUPID
+  std::map<std::wstring, std::vector<SentOrderPtr>> m_groups IORDER_GUARDED_BY(m_section);  ///< by GROUPID
 };
 
 }  // namespace iorder

@@ -7,7 +7,7 @@
 
 namespace iorder {
 
-SentOrder COrderList::AddOrder(const std::wstring& text, OrderFields fields, std::wstring complaint) {
+SentOrderPtr COrderList::AddOrder(const std::wstring& text, OrderFields fields, std::wstring complaint) {
   SentOrder order;
   order.time = m_runtime.Now();
   order.text = text;
@@ -15,8 +15,8 @@ SentOrder COrderList::AddOrder(const std::wstring& text, OrderFields fields, std
   order.complaint = std::move(complaint);
   CLockGuard guard(m_section);
   order.number = static_cast<int32_t>(m_orders.size()) + 1;
-  m_orders.push_back(order);
-  return order;
+  m_orders.push_back(std::make_shared<const SentOrder>(std::move(order)));
+  return m_orders.back();
 }
 
 SentCancel COrderList::AddCancel(const std::wstring& text) {
@@ -26,7 +26,7 @@ SentCancel COrderList::AddCancel(const std::wstring& text) {
   return cancel;
 }
 
-std::vector<SentOrder> COrderList::Orders() {
+std::vector<SentOrderPtr> COrderList::Orders() {
   CLockGuard guard(m_section);
   return m_orders;
 }
@@ -36,7 +36,7 @@ std::vector<SentCancel> COrderList::Cancels() {
   return m_cancels;
 }
 
-SentOrder COrderList::Order(int32_t number) {
+SentOrderPtr COrderList::Order(int32_t number) {
   CLockGuard guard(m_section);
   if (number < 1 || static_cast<size_t>(number) > m_orders.size()) {
     throw InputError("there is no order " + std::to_string(number) + " by then; the engine has sent " +

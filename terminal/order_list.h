@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,9 @@ struct SentOrder {
   std::wstring complaint;  ///< what the terminal has against it; "" if it takes it
 };
 
+/// One object for all that keep the order, to the end of the day.
+using SentOrderPtr = std::shared_ptr<const SentOrder>;
+
 /// One cancel string that the engine sent.
 struct SentCancel {
   TimePoint time;
@@ -32,18 +36,18 @@ class COrderList {
   explicit COrderList(IWorldRuntime& runtime) : m_runtime(runtime), m_section(runtime, "orders") {}
 
   /// The order with its number and time.
-  SentOrder AddOrder(const std::wstring& text, OrderFields fields, std::wstring complaint);
+  SentOrderPtr AddOrder(const std::wstring& text, OrderFields fields, std::wstring complaint);
   SentCancel AddCancel(const std::wstring& text);
 
-  std::vector<SentOrder> Orders();
+  std::vector<SentOrderPtr> Orders();
   std::vector<SentCancel> Cancels();
   /// An order that wasn't sent yet is an InputError.
-  SentOrder Order(int32_t number);
+  SentOrderPtr Order(int32_t number);
 
  private:
   IWorldRuntime& m_runtime;
   CCriticalSection m_section;
-  std::vector<SentOrder> m_orders IORDER_GUARDED_BY(m_section);
+  std::vector<SentOrderPtr> m_orders IORDER_GUARDED_BY(m_section);
   std::vector<SentCancel> m_cancels IORDER_GUARDED_BY(m_section);
 };
 

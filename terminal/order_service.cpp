@@ -19,7 +19,7 @@ COrderService::COrderService(IWorldRuntime& runtime, CEmbeddedBus& bus, CBusThre
 void COrderService::NewOrder(const std::wstring& text) {
   OrderFields fields = ParseOrderText(text);
   std::wstring complaint = ComplaintOf(fields);
-  const SentOrder order = m_list.AddOrder(text, std::move(fields), std::move(complaint));
+  const SentOrderPtr order = m_list.AddOrder(text, std::move(fields), std::move(complaint));
   if (m_automatic) {
     m_automatic->OnOrder(order);
   }

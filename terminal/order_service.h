@@ -29,7 +29,7 @@ class COrderService {
   void NewOrder(const std::wstring& text);
   void CancelOrder(const std::wstring& text);
 
-  std::vector<SentOrder> Orders() { return m_list.Orders(); }
+  std::vector<SentOrderPtr> Orders() { return m_list.Orders(); }
   std::vector<SentCancel> Cancels() { return m_list.Cancels(); }
 
   /// What lines of the day say of orders and positions, on the thread of the bus.

@@ -307,13 +307,13 @@ TEST(DayPlayer, OrdersAndCancelsAreListedWithWhatIsAgainstThem) {
     }
   };
   day.Play();
-  const std::vector<SentOrder> orders = day.terminal->Orders();
+  const std::vector<SentOrderPtr> orders = day.terminal->Orders();
   ASSERT_EQ(3U, orders.size());
-  EXPECT_EQ(1, orders[0].number);
-  EXPECT_EQ(L"3", OrderField(orders[0].fields, L"QTY"));
-  EXPECT_EQ(L"", orders[0].complaint);
-  EXPECT_EQ(L"account B1/A2 isn't connected", orders[1].complaint);
-  EXPECT_EQ(L"unknown symbol ND.O.Y", orders[2].complaint);
+  EXPECT_EQ(1, orders[0]->number);
+  EXPECT_EQ(L"3", OrderField(orders[0]->fields, L"QTY"));
+  EXPECT_EQ(L"", orders[0]->complaint);
+  EXPECT_EQ(L"account B1/A2 isn't connected", orders[1]->complaint);
+  EXPECT_EQ(L"unknown symbol ND.O.Y", orders[2]->complaint);
   ASSERT_EQ(1U, day.terminal->Cancels().size());
   EXPECT_EQ(L"R1", day.terminal->Cancels()[0].reportId);
 }
