@@ -9,7 +9,7 @@ namespace iorder {
 namespace {
 
 /// A group is complete only when its strings have all been sent, which takes no time in a day but some on a
-/// machine.
+/// machine. It is time of the day: a real clock that runs faster makes it shorter.
 constexpr Milliseconds kLeastGroupLatency{1};
 
 /// The limit that the market is to keep: NoValue for an order at the market, none if the words reckon from a

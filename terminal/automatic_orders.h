@@ -36,7 +36,8 @@ namespace iorder {
 /// them, and their fills go into the position of their strategy.
 ///
 /// Orders and quotes may come from any thread; reports are fired on the thread of the bus. One lock guards
-/// all books and orders; the bus and the runtime's threads are called under no lock.
+/// all books and orders; that of CChildOrders is taken under it. The bus and the runtime's threads are called
+/// under no lock.
 class CAutomaticOrders {
  public:
   CAutomaticOrders(IWorldRuntime& runtime, CEmbeddedBus& bus, CBusThread& busThread,

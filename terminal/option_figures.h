@@ -17,7 +17,7 @@ struct OptionFigureField {
   enum class Unit {
     kLevel,  ///< of the option alone: no sum over positions
     kLot,    ///< of one lot: a position has it times its signed quantity
-    kMoney,  ///< the same in points of price: a position has it times the contract weight as well
+    kMoney,  ///< the same, in money for a point worth 1: a position has it times the contract weight as well
   };
 
   std::wstring_view name;
