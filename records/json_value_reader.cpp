@@ -42,8 +42,7 @@ JsonValue::Payload PlainNumber(std::wstring_view digits, bool negative) {
 /// isn't read.
 class CJsonValueReader {
  public:
-  explicit CJsonValueReader(std::wstring_view text)
-      : m_text(text), m_endOfObjects(text.rfind(L'}') + 1), m_endOfArrays(text.rfind(L']') + 1) {}
+  explicit CJsonValueReader(std::wstring_view text) : m_text(text) {}
 
   bool ReadValue(JsonValue& value, int depth = 0);
   size_t Position() const { return m_at; }
@@ -65,9 +64,6 @@ class CJsonValueReader {
   bool Take(wchar_t character);
 
   const std::wstring_view m_text;
-  // Behind the last "}" and "]" of the text, or 0. Looked up once: each object and array asks.
-  const size_t m_endOfObjects;
-  const size_t m_endOfArrays;
   size_t m_at = 0;
 };
 
@@ -87,8 +83,9 @@ bool CJsonValueReader::ReadValue(JsonValue& value, int depth) {
   return ReadLiteral(value);
 }
 
+/// Without an end it fails, whatever the rest of the text reads as: at the latest a key is missing.
 bool CJsonValueReader::ReadObject(JsonValue& value, int depth) {
-  if (m_at >= m_endOfObjects || depth > kMaxJsonValueDepth) return false;
+  if (depth > kMaxJsonValueDepth) return false;
   JsonValue::Object members;
   for (Take(L'{'); !Take(L'}'); Take(L',')) {
     if (!ReadMember(members, depth)) return false;
@@ -106,7 +103,7 @@ bool CJsonValueReader::ReadMember(JsonValue::Object& members, int depth) {
 }
 
 bool CJsonValueReader::ReadArray(JsonValue& value, int depth) {
-  if (m_at >= m_endOfArrays || depth > kMaxJsonValueDepth) return false;
+  if (depth > kMaxJsonValueDepth) return false;
   JsonValue::Array values;
   for (Take(L'['); !Take(L']'); Take(L',')) {
     if (!ReadValue(values.emplace_back(), depth)) return false;

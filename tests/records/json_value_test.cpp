@@ -201,9 +201,15 @@ TEST(JsonValue, APowerIsTruncated) {
 }
 
 TEST(JsonValue, ANegativeExponentMultipliesByTheReciprocal) {
-  // The reciprocal of ten to the 23rd, not a division by it.
-  EXPECT_EQ(NumberShape(L"700000000000000000000000E-23"), "l" + std::to_string(int64_t(7e23 * (1.0 / 1e23))));
+  // Divided, these would be 1 and 8.
+  EXPECT_EQ(NumberShape(L"100000000000E-11"), "l0");
+  EXPECT_EQ(NumberShape(L"800000000000E-11"), "l7");
   EXPECT_EQ(NumberShape(L"49000E-3"), "l49");
+}
+
+TEST(JsonValue, APowerOfTenIsSquaredUp) {
+  // The double nearest to ten to the 33rd would give the round number.
+  EXPECT_EQ(NumberShape(L"0.00000000000000001E33"), "l10000000000000002");
 }
 
 TEST(JsonValue, AnExponentGoesToTheNextDelimiter) {
