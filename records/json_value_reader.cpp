@@ -7,6 +7,7 @@
 #include "records/json_value.h"
 #include "records/number_text.h"
 #include "records/scaled_value.h"
+#include "records/wrapping.h"
 
 namespace iorder {
 
@@ -25,17 +26,13 @@ double PowerOfTen(int32_t exponent) {
   return wide < 0 ? 1.0 / power : power;
 }
 
-/// The smallest integer has no counterpart and stays.
-int64_t Negated(int64_t number) {
-  return static_cast<int64_t>(0 - static_cast<uint64_t>(number));
-}
-
-/// The kind that a number without an exponent has by its spelling. Below ten digits negation always fits.
+/// The kind that a number without an exponent has by its spelling.
 JsonValue::Payload PlainNumber(std::wstring_view digits, bool negative) {
   constexpr size_t kInt64Digits = 10;
   if (digits.find(L'.') != kNowhere) return negative ? -LeadingDouble(digits) : LeadingDouble(digits);
-  if (digits.size() >= kInt64Digits) return negative ? Negated(LeadingInt64(digits)) : LeadingInt64(digits);
-  return negative ? -LeadingInt32(digits) : LeadingInt32(digits);
+  const int64_t whole = LeadingInt64(digits);
+  if (digits.size() >= kInt64Digits) return negative ? WrappedDifference(0, whole) : whole;
+  return static_cast<int32_t>(negative ? -whole : whole);
 }
 
 /// Reads one text from front to back. Each operation takes what it reads, or fails; then the rest of the text
@@ -172,7 +169,7 @@ bool CJsonValueReader::ReadPower(JsonValue& value, double mantissa, bool negativ
   if (end == kNowhere) return false;
   const int32_t exponent = LeadingInt32(m_text.substr(m_at + 1, end - m_at - 1));
   const int64_t number = Truncate(mantissa * PowerOfTen(exponent));
-  value = JsonValue(negative ? Negated(number) : number);
+  value = JsonValue(negative ? WrappedDifference(0, number) : number);
   m_at = end;
   return true;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 
 #include "platform/text.h"
 #include "terminal/day_actions.h"
@@ -75,20 +76,20 @@ bool NextLine(CLineReader& reader, std::string_view& line) {
   return false;
 }
 
-}  // namespace
-
-std::string PathBeside(const std::string& file, const std::string& path) {
-  return (std::filesystem::path(file).parent_path() / path).string();
+/// Looks at what stands in a tick file in front of its rows.
+void CheckTickFile(const std::string& path, LocalTime date) {
+  CTickFile check(path, date);
 }
 
-Day ReadDayFile(const std::string& path) {
-  CLineReader reader(path);
+using TickFileCheck = std::function<void(const std::string& path, LocalTime date)>;
+
+Day ReadDay(CLineReader& reader, const TickFileCheck& checkTickFile) {
   std::string_view text;
   if (!NextLine(reader, text)) {
-    FailAt({path}, "is empty; the first line must be the head {\"day\": {...}}");
+    FailAt({reader.Path()}, "is empty; the first line must be the head {\"day\": {...}}");
   }
   Day day;
-  day.path = path;
+  day.path = reader.Path();
   day.head = ReadDayHead(ParseJson(text, reader.Place()), reader.Place());
 
   CLineClock clock(day.head);
@@ -101,11 +102,26 @@ Day ReadDayFile(const std::string& path) {
       line.Fail("report", "the head's 'orders' answers the orders; only a day with 'manual' has reports");
     }
     if (const TicksAction* const ticks = std::get_if<TicksAction>(&day.lines.back().action)) {
-      CTickFile check(ticks->path, DateOf(at));
+      checkTickFile(ticks->path, DateOf(at));
     }
     day.setupCount += clock.IsTimed() ? 0 : 1;
   }
   return day;
+}
+
+}  // namespace
+
+std::string PathBeside(const std::string& file, const std::string& path) {
+  return (std::filesystem::path(file).parent_path() / path).string();
+}
+
+Day ReadDayFile(const std::string& path) {
+  CLineReader reader(path);
+  return ReadDay(reader, CheckTickFile);
+}
+
+Day ReadDayText(CLineReader reader) {
+  return ReadDay(reader, [](const std::string&, LocalTime) {});
 }
 
 namespace {

@@ -5,7 +5,6 @@
 #include <iterator>
 
 #include "terminal/expectation_lines.h"
-#include "terminal/input_file.h"
 
 namespace iorder {
 namespace {
@@ -53,8 +52,7 @@ std::string ReportOf(const std::string& path, const IExpectation& expectation,
 
 }  // namespace
 
-CExpectations::CExpectations(const std::string& path) : m_path(path) {
-  CLineReader reader(path);
+CExpectations::CExpectations(CLineReader reader) : m_path(reader.Path()) {
   std::set<std::string> names;
   std::string_view line;
   bool isEmpty = true;
@@ -71,7 +69,7 @@ CExpectations::CExpectations(const std::string& path) : m_path(path) {
     }
   }
   if (isEmpty) {
-    FailAt({path}, "is empty; an expectation file says in each line what the trace must show");
+    FailAt({m_path}, "is empty; an expectation file says in each line what the trace must show");
   }
 }
 

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "terminal/input_file.h"
 #include "terminal/local_time.h"
 #include "terminal/trace_pattern.h"
 
@@ -18,7 +19,8 @@ class IExpectation;
 class CExpectations {
  public:
   /// Reads and checks the whole file; a mistake is an InputError "FILE:LINE: what".
-  explicit CExpectations(const std::string& path);
+  explicit CExpectations(const std::string& path) : CExpectations(CLineReader(path)) {}
+  explicit CExpectations(CLineReader reader);
   ~CExpectations();
 
   /// Holds all lines against a trace (its text, as CTraceText keeps it). None if they all hold; else the

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <system_error>
+#include <utility>
 
 namespace iorder {
 namespace {
@@ -116,8 +117,8 @@ std::unique_ptr<IInputFile> OpenInputFile(const std::string& path) {
   return std::make_unique<CPlainFile>(path);
 }
 
-CLineReader::CLineReader(const std::string& path)
-    : m_path(path), m_file(OpenInputFile(path)), m_buffer(kBlockSize) {}
+CLineReader::CLineReader(std::string path, std::unique_ptr<IInputFile> file)
+    : m_path(std::move(path)), m_file(std::move(file)), m_buffer(kBlockSize) {}
 
 bool CLineReader::Next(std::string_view& line) {
   size_t searched = m_begin;

@@ -25,7 +25,9 @@ std::unique_ptr<IInputFile> OpenInputFile(const std::string& path);
 /// The lines of a file, one after the other, read in large blocks.
 class CLineReader {
  public:
-  explicit CLineReader(const std::string& path);
+  explicit CLineReader(const std::string& path) : CLineReader(path, OpenInputFile(path)) {}
+  /// What `file` holds, under the name `path`.
+  CLineReader(std::string path, std::unique_ptr<IInputFile> file);
 
   /// The next line without its end (a carriage return before it goes too). False at the end of the file. The
   /// text lives until the next call.

@@ -3,12 +3,13 @@
 #include <charconv>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "terminal/object_reader.h"
 
 namespace iorder {
 
-CTickFile::CTickFile(const std::string& path, LocalTime date) : m_reader(path), m_lastTime(date) {
+CTickFile::CTickFile(CLineReader reader, LocalTime date) : m_reader(std::move(reader)), m_lastTime(date) {
   ReadHeader();
 }
 

@@ -26,7 +26,8 @@ class CTickFile {
 
   /// Opens the file and reads its header. `date` (a midnight) is that of the first row, if the row names
   /// none.
-  CTickFile(const std::string& path, LocalTime date);
+  CTickFile(const std::string& path, LocalTime date) : CTickFile(CLineReader(path), date) {}
+  CTickFile(CLineReader reader, LocalTime date);
 
   /// The next row; false at the end. `row` is the same object each time.
   bool Next(Row& row);
