@@ -6,10 +6,11 @@
 
 namespace iorder {
 
-/// A mistake in what the user gave. The text is one line that says where, what, and what was expected.
+/// A mistake in what the user gave. The text is one line that says where, what, and what was expected;
+/// control characters in it are spelled as "\x0D".
 class InputError : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  explicit InputError(const std::string& what);
 };
 
 /// A line of a file, counted from 1. Line 0 stands for the file as a whole.

@@ -80,6 +80,10 @@ TEST_F(TickFile, ARowMayBeLongerThanABlock) {
   EXPECT_EQ("ND.B", file.Symbols()[row.symbol]);
 }
 
+TEST_F(TickFile, AMistakeIsToldInOneLineWhateverItQuotes) {
+  EXPECT_EQ("t.csv:1: unknown column 'a\\x0D\\x1B[2J\\x7Fé'", Mistake("at,symbol,a\r\x1B[2J\x7Fé\n"));
+}
+
 TEST_F(TickFile, MistakesNameFileLineAndColumn) {
   EXPECT_EQ("t.csv:2: 'price': expected a decimal with at most ten places, found '1x'",
             Mistake("at,symbol,price\n08:45:00,ND.A,1x\n"));
