@@ -11,6 +11,7 @@ endif()
 string(REPLACE "-DNDEBUG" "" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 
 set(IORDER_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
+option(IORDER_FUZZ "Build the fuzzers, and all that they link with an eye on what it runs through; clang only")
 
 find_program(IORDER_CCACHE ccache)
 if(IORDER_CCACHE)
@@ -47,6 +48,12 @@ if(IORDER_SANITIZE)
     # In the sanitizers' own code g++ loses sight of what is set.
     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(iorder_options INTERFACE -fsanitize=${IORDER_SANITIZE})
+endif()
+
+if(IORDER_FUZZ)
+  # Fibers have stacks of their own: how deep one lies says nothing.
+  target_compile_options(iorder_options INTERFACE -fsanitize=fuzzer-no-link -fno-sanitize-coverage=stack-depth
+    -fsanitize-ignorelist=${CMAKE_SOURCE_DIR}/fuzz/library-faults.txt)
 endif()
 
 # iorder_library(NAME SOURCES ... LINK ...): one floor.

@@ -13,8 +13,6 @@
 namespace iorder {
 namespace {
 
-constexpr size_t kBlockSize = 256 * 1024;
-
 class CPlainFile : public IInputFile {
  public:
   explicit CPlainFile(const std::string& path) : m_path(path), m_stream(path, std::ios::binary) {
@@ -117,8 +115,8 @@ std::unique_ptr<IInputFile> OpenInputFile(const std::string& path) {
   return std::make_unique<CPlainFile>(path);
 }
 
-CLineReader::CLineReader(std::string path, std::unique_ptr<IInputFile> file)
-    : m_path(std::move(path)), m_file(std::move(file)), m_buffer(kBlockSize) {}
+CLineReader::CLineReader(std::string path, std::unique_ptr<IInputFile> file, size_t blockSize)
+    : m_path(std::move(path)), m_file(std::move(file)), m_buffer(blockSize) {}
 
 bool CLineReader::Next(std::string_view& line) {
   size_t searched = m_begin;

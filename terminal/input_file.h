@@ -10,6 +10,9 @@
 
 namespace iorder {
 
+/// How much of a file is read at once.
+inline constexpr size_t kBlockSize = size_t{256} * 1024;
+
 /// The bytes of a file, plain or, by the end of its name, unpacked from ".gz" or ".zst". Memory doesn't
 /// depend on the file's length. Not for several threads at once. What can't be opened, read or unpacked is an
 /// InputError.
@@ -26,8 +29,8 @@ std::unique_ptr<IInputFile> OpenInputFile(const std::string& path);
 class CLineReader {
  public:
   explicit CLineReader(const std::string& path) : CLineReader(path, OpenInputFile(path)) {}
-  /// What `file` holds, under the name `path`.
-  CLineReader(std::string path, std::unique_ptr<IInputFile> file);
+  /// What `file` holds, under the name `path`; `blockSize` isn't 0.
+  CLineReader(std::string path, std::unique_ptr<IInputFile> file, size_t blockSize = kBlockSize);
 
   /// The next line without its end (a carriage return before it goes too). False at the end of the file. The
   /// text lives until the next call.

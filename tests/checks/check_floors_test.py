@@ -21,19 +21,22 @@ program = load_program()
 
 
 class CheckFloorsTest(unittest.TestCase):
-    def run_on(self, files, targets=None):
-        """The exit code and the lines for a tree of these files, of which `targets` (all sources, if none) are compiled."""
+    def run_on(self, files, targets=None, second_build=()):
+        """The exit code and the lines for a tree of these files, of which `targets` (all sources, if none) are compiled, and
+        `second_build` by another build."""
         with tempfile.TemporaryDirectory() as folder:
             root = Path(folder)
             for name, text in files.items():
                 (root / name).parent.mkdir(parents=True, exist_ok=True)
                 (root / name).write_text(text, encoding="utf-8")
             compiled = [name for name in files if name.endswith(".cpp")] if targets is None else targets
-            commands = root / "compile_commands.json"
-            commands.write_text(json.dumps([{"directory": folder, "file": name, "command": ""} for name in compiled]))
+            builds = []
+            for number, names in enumerate([compiled, second_build]):
+                builds.append(root / f"compile_commands_{number}.json")
+                builds[-1].write_text(json.dumps([{"directory": folder, "file": name, "command": ""} for name in names]))
             output = io.StringIO()
             with contextlib.redirect_stdout(output):
-                code = program.main([folder, str(commands)])
+                code = program.main([folder, *map(str, builds)])
             return code, output.getvalue().splitlines()
 
     def assert_clean(self, files, targets=None):
@@ -128,6 +131,9 @@ class CheckFloorsTest(unittest.TestCase):
         code, lines = self.run_on({"engine/a.cpp": "", "engine/b.cpp": "", "engine/c.h": ""}, targets=["engine/a.cpp"])
         self.assertEqual(code, 1)
         self.assertEqual(lines, ["engine/b.cpp:1: is in no target"])
+
+    def test_a_source_may_be_in_a_target_of_any_build(self):
+        self.assertEqual(self.run_on({"engine/a.cpp": "", "fuzz/b.cpp": ""}, targets=["engine/a.cpp"], second_build=["fuzz/b.cpp"]), (0, []))
 
     def test_wrong_usage_is_told(self):
         with contextlib.redirect_stderr(io.StringIO()) as told:
