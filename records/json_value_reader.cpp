@@ -1,8 +1,5 @@
 #include <algorithm>
-#include <charconv>
 #include <cwchar>
-#include <limits>
-#include <system_error>
 
 #include "records/json_value.h"
 #include "records/number_text.h"
