@@ -4,19 +4,25 @@
 #include <rapidjson/memorystream.h>
 #include <rapidjson/reader.h>
 
+#include <charconv>
+#include <cstdint>
+#include <system_error>
+
 #include "platform/text.h"
+#include "records/number_text.h"
 
 namespace iorder {
 
 namespace {
 
-/// Passes a parser's events on to a document until they go too deep.
-class CDepthLimit {
+/// Passes a parser's events on to a document until they go too deep, and reads the numbers, which come as
+/// they are spelled: rapidjson's own exact reading runs out of its tables at long fractions.
+class CDocumentFeed {
  public:
   using Ch = char;
   using Size = rapidjson::SizeType;
 
-  explicit CDepthLimit(rapidjson::Document& document) : m_document(document) {}
+  explicit CDocumentFeed(rapidjson::Document& document) : m_document(document) {}
 
   bool Null() { return m_document.Null(); }
   bool Bool(bool value) { return m_document.Bool(value); }
@@ -25,7 +31,7 @@ class CDepthLimit {
   bool Int64(int64_t value) { return m_document.Int64(value); }
   bool Uint64(uint64_t value) { return m_document.Uint64(value); }
   bool Double(double value) { return m_document.Double(value); }
-  bool RawNumber(const Ch* text, Size length, bool copy) { return m_document.RawNumber(text, length, copy); }
+  bool RawNumber(const Ch* text, Size length, bool) { return AddNumber({text, length}); }
   bool String(const Ch* text, Size length, bool copy) { return m_document.String(text, length, copy); }
   bool Key(const Ch* text, Size length, bool copy) { return m_document.Key(text, length, copy); }
   bool StartObject() { return ++m_depth <= kMaxJsonDepth && m_document.StartObject(); }
@@ -34,20 +40,42 @@ class CDepthLimit {
   bool EndArray(Size count) { return --m_depth >= 0 && m_document.EndArray(count); }
 
  private:
+  bool AddNumber(std::string_view text);
+
   rapidjson::Document& m_document;
   int m_depth = 0;
 };
 
-/// Parses with the depth limit in between, and keeps the parser's verdict.
+/// A whole number is of the narrowest kind that holds it, signed only below 0.
+bool CDocumentFeed::AddNumber(std::string_view text) {
+  const bool isNegative = text.front() == '-';
+  const char* const digits = text.data() + (isNegative ? 1 : 0);
+  const char* const end = text.data() + text.size();
+  uint64_t magnitude = 0;
+  const auto [stop, error] = std::from_chars(digits, end, magnitude);
+  constexpr uint64_t kTwoTo31 = uint64_t{1} << 31;
+  constexpr uint64_t kTwoTo63 = uint64_t{1} << 63;
+  if (stop != end || error != std::errc() || (isNegative && magnitude > kTwoTo63)) {
+    return m_document.Double(LeadingDouble(ToWide(text)));
+  }
+  const auto number = static_cast<int64_t>(isNegative ? 0 - magnitude : magnitude);
+  if (isNegative) {
+    return magnitude <= kTwoTo31 ? m_document.Int(static_cast<int>(number)) : m_document.Int64(number);
+  }
+  return magnitude < 2 * kTwoTo31 ? m_document.Uint(static_cast<unsigned>(magnitude))
+                                  : m_document.Uint64(magnitude);
+}
+
+/// Parses with the feed in between, and keeps the parser's verdict.
 class CLimitedParser {
  public:
   explicit CLimitedParser(std::string_view utf8) : m_stream(utf8.data(), utf8.size()) {}
 
   bool operator()(rapidjson::Document& document) {
-    constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag;
-    CDepthLimit limit(document);
+    constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
+    CDocumentFeed feed(document);
     rapidjson::Reader reader;
-    m_result = reader.Parse<flags>(m_stream, limit);
+    m_result = reader.Parse<flags>(m_stream, feed);
     return !m_result.IsError();
   }
 

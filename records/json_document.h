@@ -24,8 +24,8 @@ struct JsonFailure {
   explicit operator bool() const { return code != rapidjson::kParseErrorNone; }
 };
 
-/// Parses UTF-8 text without recursion, doubles exactly. Text that is nested too deep fails as "terminated".
-/// On failure the document is null.
+/// Parses UTF-8 text without recursion, doubles exactly (a number that is too small for one is 0). Text that
+/// is nested too deep fails as "terminated". On failure the document is null.
 JsonFailure ParseJson(std::string_view utf8, rapidjson::Document& document);
 
 /// rapidjson's writer, but a number that JSON can't spell (not finite) becomes null instead of broken text.

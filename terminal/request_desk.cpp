@@ -1,6 +1,7 @@
 #include "terminal/request_desk.h"
 
 #include "platform/world.h"
+#include "records/json_document.h"
 
 namespace iorder {
 namespace {
@@ -50,10 +51,7 @@ void CRequestDesk::Load(const RecordAction& load) {
 void CRequestDesk::FillIn(const std::string& document, const Value& reference) {
   const int64_t* const number = std::get_if<int64_t>(&reference);
   void* const object = number != nullptr ? m_runtime.ResolveReference(*number) : nullptr;
-  if (object != nullptr) {
-    constexpr unsigned kFlags = rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag;
-    static_cast<AnswerDocument*>(object)->Parse<kFlags>(document);
-  }
+  if (object != nullptr) ParseJson(document, *static_cast<AnswerDocument*>(object));
 }
 
 }  // namespace iorder

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <limits>
 #include <string>
 
@@ -60,6 +61,66 @@ TEST(JsonDocument, DoublesAreReadExactly) {
   EXPECT_EQ(document[0].GetDouble(), 0.1);
   EXPECT_EQ(document[1].GetDouble(), 17976.931348623157);
   EXPECT_EQ(document[2].GetDouble(), 2.2250738585072011e-308);
+}
+
+TEST(JsonDocument, AFractionMayBeAnyLength) {
+  rapidjson::Document document;
+  for (const size_t length : {10, 22, 23, 30, 100, 340, 400, 5000}) {
+    const std::string zeros = "0." + std::string(length, '0');
+    ASSERT_FALSE(ParseJson(
+        "[" + zeros + ",-" + zeros + "," + zeros + "1," + zeros + "1e" + std::to_string(length) + "]",
+        document));
+    EXPECT_EQ(document[0].GetDouble(), 0.0) << length;
+    EXPECT_EQ(document[1].GetDouble(), 0.0) << length;
+    EXPECT_EQ(document[2].GetDouble(), std::strtod((zeros + "1").c_str(), nullptr)) << length;
+    EXPECT_EQ(document[3].GetDouble(), 0.1) << length;
+  }
+}
+
+TEST(JsonDocument, ANumberTooGreatForADoubleFailsWhereItBegins) {
+  rapidjson::Document document;
+  for (const std::string& number : {std::string("1e400"), std::string(400, '9')}) {
+    const JsonFailure failure = ParseJson("[1," + number + "]", document);
+    EXPECT_EQ(failure.code, rapidjson::kParseErrorNumberTooBig) << number;
+    EXPECT_EQ(failure.offset, 3u) << number;
+  }
+  EXPECT_FALSE(ParseJson("[-1.8e308]", document));
+  EXPECT_EQ(document[0].GetDouble(), -std::numeric_limits<double>::infinity());
+}
+
+/// The narrowest of the kinds, as an order command is asked for them.
+std::string KindOf(const std::string& number) {
+  rapidjson::Document document;
+  if (ParseJson("[" + number + "]", document)) return "failure";
+  const rapidjson::Value& value = document[0];
+  return std::string(value.IsInt() ? "int " : "") + (value.IsUint() ? "uint " : "") +
+         (value.IsInt64() ? "int64 " : "") + (value.IsUint64() ? "uint64 " : "") +
+         (value.IsDouble() ? "double" : "");
+}
+
+TEST(JsonDocument, AWholeNumberIsOfTheNarrowestKindThatHoldsIt) {
+  EXPECT_EQ(KindOf("0"), "int uint int64 uint64 ");
+  EXPECT_EQ(KindOf("-0"), "int uint int64 uint64 ");
+  EXPECT_EQ(KindOf("2147483647"), "int uint int64 uint64 ");
+  EXPECT_EQ(KindOf("2147483648"), "uint int64 uint64 ");
+  EXPECT_EQ(KindOf("4294967295"), "uint int64 uint64 ");
+  EXPECT_EQ(KindOf("4294967296"), "int64 uint64 ");
+  EXPECT_EQ(KindOf("9223372036854775808"), "uint64 ");
+  EXPECT_EQ(KindOf("18446744073709551615"), "uint64 ");
+  EXPECT_EQ(KindOf("18446744073709551616"), "double");
+  EXPECT_EQ(KindOf("-1"), "int int64 ");
+  EXPECT_EQ(KindOf("-2147483648"), "int int64 ");
+  EXPECT_EQ(KindOf("-2147483649"), "int64 ");
+  EXPECT_EQ(KindOf("-9223372036854775808"), "int64 ");
+  EXPECT_EQ(KindOf("-9223372036854775809"), "double");
+  EXPECT_EQ(KindOf("1.0"), "double");
+  EXPECT_EQ(KindOf("1e0"), "double");
+}
+
+TEST(JsonDocument, WholeNumbersKeepTheirValue) {
+  rapidjson::Document document;
+  ParseJson("[-2147483648,4294967295,-9223372036854775808,18446744073709551615,-0]", document);
+  EXPECT_EQ(WriteJson(document), "[-2147483648,4294967295,-9223372036854775808,18446744073709551615,0]");
 }
 
 TEST(JsonDocument, ANumberThatIsNotFiniteIsWrittenAsNull) {
