@@ -7,12 +7,9 @@
 namespace iorder {
 namespace {
 
-/// The whole number in a field, 0 for anything else.
+/// 0 for what is no integer.
 int64_t NumberOf(const FieldValue& field) {
-  if (const int64_t* const int64 = std::get_if<int64_t>(&field.value)) {
-    return *int64;
-  }
-  return Int32Or(field.value, 0);
+  return IntegerIn(field.value).value_or(0);
 }
 
 bool Names(const std::vector<FieldChange>& fields, std::wstring_view name) {

@@ -22,6 +22,12 @@ FieldValue Int64OrNone(int64_t value) {
   return value != NoValue ? Int64Field(value) : FieldValue{FieldValue::Kind::kRemove, {}, {}};
 }
 
+std::optional<int64_t> IntegerIn(const Value& value) {
+  if (const int64_t* const int64 = std::get_if<int64_t>(&value)) return *int64;
+  if (const int32_t* const int32 = std::get_if<int32_t>(&value)) return *int32;
+  return std::nullopt;
+}
+
 ReportFields FirstReport(const SentOrder& order) {
   const auto text = [&](const wchar_t* key) { return OrderField(order.fields, key); };
   ReportFields fields;

@@ -22,6 +22,8 @@ FieldValue Int32Field(int64_t value);
 FieldValue Int64Field(int64_t value);
 /// NoValue: the field goes.
 FieldValue Int64OrNone(int64_t value);
+/// The integer of either size in a field; none if it holds another kind.
+std::optional<int64_t> IntegerIn(const Value& value);
 
 /// What one report says of its order.
 struct OrderReport {

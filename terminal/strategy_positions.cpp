@@ -23,12 +23,6 @@ std::wstring FiguresRecord(const std::wstring& symbol) {
   return std::wstring(kOptionFiguresRecord) + symbol;
 }
 
-std::optional<int64_t> NumberOf(const Value& value) {
-  if (const int64_t* const int64 = std::get_if<int64_t>(&value)) return *int64;
-  if (const int32_t* const int32 = std::get_if<int32_t>(&value)) return *int32;
-  return std::nullopt;
-}
-
 const Value* FindField(const RecordChange& item, std::wstring_view name) {
   const auto found = std::find_if(item.fields.begin(), item.fields.end(),
                                   [name](const FieldChange& field) { return field.name == name; });
@@ -54,7 +48,7 @@ void CStrategyPositions::Fill(const std::wstring& strategy, const std::wstring& 
     holding.lots =
         static_cast<int64_t>(std::clamp<Int128>(Int128{holding.lots} + lots, -kMostLots, kMostLots));
     if (holding.lots != 0) holding.isSold = holding.lots < 0;
-    std::vector<FieldChange> fields = FiguresOf(symbol, holding.lots);
+    std::vector<FieldChange> fields = FiguresOf(OptionOf(symbol), holding.lots);
     fields.push_back({L"Symbol", TextField(symbol)});
     fields.push_back({L"Quantity", Int32Field(std::abs(holding.lots))});
     fields.push_back({L"Side", Int32Field(holding.isSold ? kSold : kBought)});
@@ -85,19 +79,19 @@ RecordChange CStrategyPositions::TakeItem(const RecordChange& given, Holdings& h
   const std::wstring* const symbol =
       symbolField != nullptr ? std::get_if<std::wstring>(symbolField) : nullptr;
   const Value* const quantityField = FindField(given, L"Quantity");
-  const std::optional<int64_t> quantity = quantityField != nullptr ? NumberOf(*quantityField) : std::nullopt;
+  const std::optional<int64_t> quantity = quantityField != nullptr ? IntegerIn(*quantityField) : std::nullopt;
   const bool isHeld = quantity && *quantity >= -kMostLots && *quantity <= kMostLots;
   if (symbol == nullptr || !isHeld || holdings.contains(*symbol)) return given;
 
   Watch(*symbol);
   const Value* const side = FindField(given, L"Side");
-  const bool isSold = side != nullptr && NumberOf(*side) == kSold;
+  const bool isSold = side != nullptr && IntegerIn(*side) == kSold;
   const int64_t lots = isSold ? -*quantity : *quantity;
   holdings[*symbol] = {lots, isSold};
   RecordChange item = given;
   item.name = *symbol;
   // In front: what the line names wins.
-  std::vector<FieldChange> figures = FiguresOf(*symbol, lots);
+  std::vector<FieldChange> figures = FiguresOf(OptionOf(*symbol), lots);
   item.fields.insert(item.fields.begin(), figures.begin(), figures.end());
   return item;
 }
@@ -108,9 +102,10 @@ void CStrategyPositions::Watch(const std::wstring& symbol) {
 
 void CStrategyPositions::OnFigures(const std::wstring& symbol) {
   CLockGuard guard(m_section);
+  const Option option = OptionOf(symbol);
   for (const auto& [strategy, holdings] : m_holdings) {
     if (const auto holding = holdings.find(symbol); holding != holdings.end()) {
-      Write(strategy, symbol, FiguresOf(symbol, holding->second.lots));
+      Write(strategy, symbol, FiguresOf(option, holding->second.lots));
     }
   }
 }
@@ -129,15 +124,18 @@ void CStrategyPositions::Write(const std::wstring& strategy, const std::wstring&
   m_bus.Apply(record);
 }
 
-std::vector<FieldChange> CStrategyPositions::FiguresOf(const std::wstring& symbol, int64_t lots) {
-  const auto record = m_bus.Fields(FiguresRecord(symbol));
-  const int64_t contractWeight = ContractWeightOf(m_bus, symbol);
+CStrategyPositions::Option CStrategyPositions::OptionOf(const std::wstring& symbol) {
+  return {m_bus.Fields(FiguresRecord(symbol)), ContractWeightOf(m_bus, symbol)};
+}
+
+std::vector<FieldChange> CStrategyPositions::FiguresOf(const Option& option, int64_t lots) {
   std::vector<FieldChange> figures;
   for (const OptionFigureField& field : kOptionFigureFields) {
     if (field.unit == OptionFigureField::Unit::kLevel) continue;
-    const int64_t weight = field.unit == OptionFigureField::Unit::kMoney ? contractWeight : 1;
-    const auto found = record.find(field.name);
-    const std::optional<int64_t> figure = found != record.end() ? NumberOf(found->second) : std::nullopt;
+    const int64_t weight = field.unit == OptionFigureField::Unit::kMoney ? option.contractWeight : 1;
+    const auto found = option.fields.find(field.name);
+    const std::optional<int64_t> figure =
+        found != option.fields.end() ? IntegerIn(found->second) : std::nullopt;
     const bool isThere = figure && *figure != NoValue;
     const std::optional<int64_t> product = isThere ? Product(*figure, lots, weight) : std::nullopt;
     figures.push_back({std::wstring(field.name), Int64OrNone(product.value_or(NoValue))});

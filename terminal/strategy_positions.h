@@ -37,6 +37,11 @@ class CStrategyPositions {
     int64_t lots = 0;     ///< below 0: sold
     bool isSold = false;  ///< of no lots: as they were last
   };
+  /// What is known of an option by now.
+  struct Option {
+    std::map<std::wstring, Value, std::less<>> fields;  ///< of its figures
+    int64_t contractWeight = 1;
+  };
   using Holdings = std::map<std::wstring, Holding>;  ///< by symbol
 
   void Watch(const std::wstring& symbol);
@@ -44,7 +49,8 @@ class CStrategyPositions {
   RecordChange TakeItem(const RecordChange& given, Holdings& holdings);
   void Write(const std::wstring& strategy, const std::wstring& symbol, std::vector<FieldChange> fields)
       IORDER_REQUIRES(m_section);
-  std::vector<FieldChange> FiguresOf(const std::wstring& symbol, int64_t lots);
+  Option OptionOf(const std::wstring& symbol);
+  static std::vector<FieldChange> FiguresOf(const Option& option, int64_t lots);
 
   CEmbeddedBus& m_bus;
   CCriticalSection m_section;
