@@ -94,8 +94,8 @@ void CGroupOrderReader::OnChild(const stcIntlgntOrd& order, const std::wstring& 
   Known& known = m_known[order.llNumber];
   const auto [child, isNew] = known.children.try_emplace(ToUtf8(levelKey));
   // Its first update may overtake the announcement, and counts it already.
-  const bool isCounted = !isNew && !child->second.isAnnounced;
-  child->second.isAnnounced = true;
+  const bool isCounted = !isNew && !child->second;
+  child->second = true;
   if (!isCounted) ++known.live;
   m_tell(GroupChildAnnounced{NameOf(order), child->first, known.live});
 }

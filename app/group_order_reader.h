@@ -35,14 +35,11 @@ class CGroupOrderReader : public IGroupOrderWatch {
   void OnRecheck(const stcIntlgntOrd& order, int32_t timerId, int32_t delayMs) override;
 
  private:
-  struct Child {
-    bool isAnnounced = false;
-  };
   /// What is remembered of one order.
   struct Known {
     int64_t cycles = 0;
-    std::optional<double> sum;  ///< of the last look
-    std::map<std::string, Child> children;
+    std::optional<double> sum;             ///< of the last look
+    std::map<std::string, bool> children;  ///< true: its announcement has come
     size_t live = 0;
     bool isFailed = false;
   };

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "grouporder/group_orders.h"
+#include "records/exec_type.h"
 
 namespace iorder {
 
@@ -10,18 +11,6 @@ namespace {
 constexpr int32_t kRecheckDelayMs = 2000;
 /// Keeps a fast replay from spinning.
 constexpr int32_t kLeastRecheckDelayMs = 50;
-
-/// The states in which a child order ends. The engine goes by the numbers: what they are called is the order
-/// service's affair.
-bool IsFinal(int32_t execType) {
-  constexpr int32_t kFinal[] = {2, 3, 5, 7, 8, 10};
-  return std::find(std::begin(kFinal), std::end(kFinal), execType) != std::end(kFinal);
-}
-
-/// The ends that, unless the client wished them, let no further timer be armed for the order.
-bool IsFailure(int32_t execType) {
-  return execType == 5 || execType == 8;
-}
 
 }  // namespace
 
@@ -62,8 +51,9 @@ void CGroupOrders::OnChildOrderUpdate(CBaseData& source) {
   const GroupOrderPtr order = m_book.Find(strategyID);
   if (order == nullptr) return;
 
-  if (IsFailure(execType) && clientModify == 0) order->bFailed = 1;
-  if (IsFinal(execType)) {
+  // A failed child lets no further timer be armed for the order.
+  if (exec_type::FailsChild(execType) && clientModify == 0) order->bFailed = 1;
+  if (exec_type::EndsChild(execType)) {
     order->RemoveChild(levelKey);
     m_book.EndChild(levelKey);
   }

@@ -2,6 +2,7 @@
 
 #include "grouporder/group_order_text.h"
 #include "grouporder/group_orders.h"
+#include "records/option_figures_record.h"
 #include "reference/symbol.h"
 
 namespace iorder {
@@ -51,7 +52,7 @@ bool CGroupOrders::SubscribeChain(stcIntlgntOrd& order) {
     names.push_back(name);
   };
   for (const std::wstring& symbol : m_host.QueryOptionList(order.strSecurity)) {
-    const std::wstring name = L"OPT.REAL." + symbol;
+    const std::wstring name = std::wstring(kOptionFiguresRecord) + symbol;
     if (hasCall) ensure(order.arCallSymbols, name);
     if (hasPut) ensure(order.arPutSymbols, PutOf(name));
   }

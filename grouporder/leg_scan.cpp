@@ -5,13 +5,13 @@
 #include <memory>
 #include <utility>
 
+#include "records/option_figures_record.h"
 #include "records/wrapping.h"
 
 namespace iorder {
 
 namespace {
 
-constexpr std::wstring_view kRecordPrefix = L"OPT.REAL.";
 /// A held position nearer than this to no leg belongs to none.
 constexpr int64_t kNearestLimit = 922337203685477580;
 
@@ -61,7 +61,7 @@ void CLegScan::Scan(const wchar_t* callPut, const std::vector<std::wstring>& nam
   m_bestDistance.fill(std::numeric_limits<int64_t>::max());
   const std::vector<Look> looks = LooksAt(callPut);
   for (const std::wstring& name : names) {
-    const std::wstring_view symbol = std::wstring_view(name).substr(kRecordPrefix.size());
+    const std::wstring_view symbol = std::wstring_view(name).substr(kOptionFiguresRecord.size());
     const auto record = m_host.OpenRecord(name, nullptr);
     if (record == nullptr) continue;
     std::optional<stcPosition> position = take(positions, symbol);

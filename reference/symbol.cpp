@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "records/option_figures_record.h"
+
 namespace iorder {
 
 namespace {
@@ -104,7 +106,7 @@ std::wstring PutOf(const std::wstring& callSymbol) {
 
 std::wstring AnalyticsRecordName(const std::wstring& underlying) {
   const bool future = underlying.find(L".F.") != std::wstring::npos;
-  return (future ? L"OPT.Volatility." : L"OPT.REAL.") + underlying;
+  return std::wstring(future ? L"OPT.Volatility." : kOptionFiguresRecord) + underlying;
 }
 
 }  // namespace iorder

@@ -29,7 +29,7 @@ std::optional<int32_t> EndIn(const ChildAction& child) {
     if (field.name == L"LevelKey") return std::nullopt;
     if (field.name == L"ExecType") execType = Int32Or(field.value.value, NoInt);
   }
-  return execType && EndsChild(*execType) && !child.announce ? execType : std::nullopt;
+  return execType && exec_type::EndsChild(*execType) && !child.announce ? execType : std::nullopt;
 }
 
 }  // namespace

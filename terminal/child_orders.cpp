@@ -1,6 +1,5 @@
 #include "terminal/child_orders.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "records/exec_type.h"
@@ -35,12 +34,6 @@ std::vector<FieldChange> ChildFields(const SentOrder& sent, const OrderReport& r
 
 }  // namespace
 
-bool EndsChild(int32_t execType) {
-  constexpr int32_t kEnds[] = {2, exec_type::kFilled,    exec_type::kStopped,
-                               7, exec_type::kCancelled, exec_type::kRejected};
-  return std::find(std::begin(kEnds), std::end(kEnds), execType) != std::end(kEnds);
-}
-
 CChildOrders::CChildOrders(IWorldRuntime& runtime, const OrderRules& rules, const CAnswerDraws& draws,
                            CChildRecords& records)
     : m_runtime(runtime),
@@ -60,7 +53,7 @@ std::vector<TimePoint> CChildOrders::Add(const SentOrderPtr& order, OrderReport 
 }
 
 bool CChildOrders::IsTold(const OrderReport& report) const {
-  const bool isEnd = EndsChild(report.execType);
+  const bool isEnd = exec_type::EndsChild(report.execType);
   if (m_draws.LosesChild(report.order, m_rules.lostChild)) return false;
   if (isEnd && m_draws.LosesEnd(report.order, m_rules.lostEnd)) return false;
   return isEnd || !m_draws.IsLateChild(report.order, m_rules.lateChild);

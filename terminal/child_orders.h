@@ -14,9 +14,6 @@
 
 namespace iorder {
 
-/// Whether a child order has ended in that state.
-bool EndsChild(int32_t execType);
-
 /// Tells the engine what becomes of child orders: the first report of one announces its record, each further
 /// one changes it and fires its update. What the rules lose or hold back isn't told.
 class CChildOrders {

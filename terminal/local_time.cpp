@@ -65,6 +65,15 @@ std::optional<LocalTime> ParseLocalTime(std::string_view text) {
   return LocalTime(chrono::local_days(date)) + *time;
 }
 
+std::optional<LocalTime> MidnightOf(int64_t date) {
+  constexpr int64_t kLastDate = 9999'12'31;
+  if (date < 0 || date > kLastDate) return std::nullopt;
+  const chrono::year_month_day day(chrono::year(static_cast<int>(date / 10000)),
+                                   chrono::month(static_cast<unsigned>(date / 100 % 100)),
+                                   chrono::day(static_cast<unsigned>(date % 100)));
+  return day.ok() ? std::optional(LocalTime(chrono::local_days(day))) : std::nullopt;
+}
+
 LocalTime DateOf(LocalTime time) {
   return chrono::floor<chrono::days>(time);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,8 @@ using LocalTime = std::chrono::local_time<Milliseconds>;
 std::optional<Milliseconds> ParseTimeOfDay(std::string_view text);
 /// "YYYY-MM-DDTHH:MM:SS[.mmm]"; none for any other text.
 std::optional<LocalTime> ParseLocalTime(std::string_view text);
+/// The midnight with which the day `date` = yyyymmdd begins; none for what is no day.
+std::optional<LocalTime> MidnightOf(int64_t date);
 /// Midnight before `time`.
 LocalTime DateOf(LocalTime time);
 

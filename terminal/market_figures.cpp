@@ -4,6 +4,7 @@
 #include <chrono>
 #include <utility>
 
+#include "records/option_figures_record.h"
 #include "records/quote_field.h"
 #include "terminal/local_time.h"
 
@@ -245,13 +246,9 @@ void CMarketFigures::Tell(const FigureOption& option) {
 }
 
 std::optional<TimePoint> CMarketFigures::ExpiryOf(const FigureChain& chain) {
-  using namespace std::chrono;
-  const int64_t endDate = chain.EndDate();
-  const year_month_day date(year(static_cast<int>(endDate / 10000)),
-                            month(static_cast<unsigned>(endDate / 100 % 100)),
-                            day(static_cast<unsigned>(endDate % 100)));
-  if (!date.ok()) return std::nullopt;
-  return m_runtime.FromLocal(ToDateTime(LocalTime(local_days(date) + days(1))));
+  const std::optional<LocalTime> lastDay = MidnightOf(chain.EndDate());
+  if (!lastDay) return std::nullopt;
+  return m_runtime.FromLocal(ToDateTime(*lastDay + std::chrono::days(1)));
 }
 
 }  // namespace iorder

@@ -8,9 +8,6 @@
 
 namespace iorder {
 
-/// Before the symbol of an option: the record that holds its figures.
-inline constexpr std::wstring_view kOptionFiguresRecord = L"OPT.REAL.";
-
 /// One of the fields that the record of an option's figures holds, all of them 64-bit scaled values. "MCODE"
 /// (32-bit) stands beside them: 1 while there are figures.
 struct OptionFigureField {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "records/int128.h"
+#include "records/option_figures_record.h"
 #include "terminal/option_figures.h"
 #include "terminal/order_report.h"
 #include "terminal/security_info.h"

@@ -91,18 +91,15 @@ std::string_view CTaifexTable::Text(TaifexColumn column) const {
 }
 
 LocalTime CTaifexTable::Time() const {
-  const auto date = static_cast<int>(Number(Column::kDate, 0, 99999999));
+  const int64_t date = Number(Column::kDate, 0, 99999999);
   const auto time = static_cast<int>(Number(Column::kTime, 0, 999999));
-  const std::chrono::year_month_day day(std::chrono::year(date / 10000),
-                                        std::chrono::month(static_cast<unsigned>(date) / 100 % 100),
-                                        std::chrono::day(static_cast<unsigned>(date) % 100));
-  if (!day.ok() || date < 19000101) FailAt(Column::kDate, "a date yyyymmdd");
+  const std::optional<LocalTime> midnight = MidnightOf(date);
+  if (!midnight || date < 19000101) FailAt(Column::kDate, "a date yyyymmdd");
   const int hour = time / 10000;
   const int minute = time / 100 % 100;
   const int second = time % 100;
   if (hour > 23 || minute > 59 || second > 59) FailAt(Column::kTime, "a time hhmmss");
-  return std::chrono::local_days(day) + std::chrono::hours(hour) + std::chrono::minutes(minute) +
-         std::chrono::seconds(second);
+  return *midnight + std::chrono::hours(hour) + std::chrono::minutes(minute) + std::chrono::seconds(second);
 }
 
 std::optional<TaifexSeries> CTaifexTable::Series() const {

@@ -68,7 +68,9 @@ void CGroupBook::OnRead(const BusRead& read) {
   for (GroupLook& look : m_looks.TakeEnded()) Finish(std::move(look));
   if (begun != nullptr) BeginByTimer(*begun);
   const bool isPosition = read.kind == BusRead::Kind::kNodeByName && read.record == "STRATEGY.POSITION";
-  if (isPosition && m_looks.Find(read.thread) == nullptr) m_isLost = true;
+  if (isPosition && m_looks.Find(read.thread) == nullptr)
+    m_mistakes.push_back(
+        {read.at, fmt::format("{} looks at the positions for no order that is known", read.thread)});
 
   if (read.record == "NordoSystemTime" && read.name == "Speed") {
     m_speed = Int32Of(read.value, 0);

@@ -94,7 +94,7 @@ class CGroupBook {
 
   /// Notes that the thread acts on that id now.
   void Touch(const std::string& id, const std::string& thread, LocalTime at);
-  bool IsUnclear(const std::string& id) const { return m_isLost || m_unclear.contains(id); }
+  bool IsUnclear(const std::string& id) const { return m_unclear.contains(id); }
   void MakeUnclear(const std::string& id);
   void Complain(LocalTime at, const std::string& id, const std::string& what);
   void CountCycle(const Cycle& cycle);
@@ -116,13 +116,11 @@ class CGroupBook {
   std::map<std::string, std::string> m_recordOfKey;     ///< child record, by "LevelKey"
   std::map<std::string, LocalTime> m_leftAt;            ///< by child record
   int32_t m_lastTimer = 3000;
-  LocalTime m_timerGivenAt;
   int32_t m_speed = 0;
   LocalTime m_speedAt;
 
   std::map<std::string, std::pair<LocalTime, std::string>> m_touched;  ///< by id: when, by which thread
   std::set<std::string> m_unclear;
-  bool m_isLost = false;  ///< a command wasn't understood
 
   std::vector<Cycle> m_cycles;
   std::vector<Mistake> m_mistakes;

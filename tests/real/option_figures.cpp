@@ -14,6 +14,7 @@
 
 #include "platform/text.h"
 #include "platform/virtual/virtual_runtime.h"
+#include "records/option_figures_record.h"
 #include "terminal/day_file.h"
 #include "terminal/embedded_terminal.h"
 
