@@ -3,10 +3,12 @@
 #include <atomic>
 
 #include "platform/native/native_runtime.h"
+#include "platform/text.h"
 #include "terminal/day_file.h"
 #include "terminal/embedded_terminal.h"
 #include "terminal/trace_writer.h"
 #include "tests/terminal/day_folder.h"
+#include "tests/terminal/figures_day.h"
 #include "tests/terminal/recording_engine.h"
 
 namespace iorder::testing {
@@ -150,6 +152,76 @@ TEST(NativeDay, GroupOrdersFillOnRealThreadsWhileFiguresMove) {
   const auto item = bus.Resolve(Int32Or(node->GetValue(read_code::kItemByName, L"ND.O.X"), 0));
   EXPECT_EQ(Value(kThreads * kOrders * 2), item->GetValue(read_code::kField, L"Quantity"));
   EXPECT_EQ(Value(int64_t{100} * kThreads * kOrders * 2), item->GetValue(read_code::kField, L"Delta"));
+}
+
+// ---- Figures ----
+
+const std::wstring kFigureChain = L"ND.O.TWF.TX.202403.C.";
+
+/// Half a second of a chain of ten calls of 20 percent, and of its future, which ends at 18000.
+std::string FiguresDay(CDayFolder& folder) {
+  constexpr double kYears = 16.5 / 365;
+  std::string rows = "at,symbol,price\n";
+  for (int i = 0; i < 1500; ++i) {
+    const std::string at = "08:50:00." + std::to_string(200 + i / 3);
+    const int strike = 17500 + 100 * (i % 10);
+    const std::string price = std::to_string(BlackPrice(true, strike, 18000, 20, kYears));
+    rows += at + ",ND.F.TWF.TX.202403," + std::to_string(i < 1400 ? 17000 + i : 18000) + "\n";
+    rows += at + "," + ToUtf8(kFigureChain) + std::to_string(strike) + "," + price + "\n";
+  }
+  folder.Write("t.csv", rows);
+  return folder.Write("a.day.jsonl",
+                      R"({"day": {"start": "2024-03-04T08:50:00", "end": "08:50:04", "figures": "market", )"
+                      R"("figures_ms": 10}}
+{"symbols": [{"Symbol": "ND.O.TWF.TX.202403.C.17500", "Type": "O", "ExpDate": "20240320"}]}
+{"ticks": "t.csv"}
+)");
+}
+
+/// Subscribes the record of one option, follows and reads it, gives it up, and so on; in the end it keeps it.
+void WatchFigures(CEmbeddedTerminal& terminal, IRuntime& runtime, int option) {
+  const std::wstring name = L"OPT.REAL." + kFigureChain + std::to_wstring(17500 + 100 * (option % 10));
+  for (int i = 0; i < 30; ++i) {
+    terminal.Events().Subscribe(name);
+    if (const auto handle = terminal.Events().OpenRecord(name)) {
+      const auto record = terminal.GetWorld().bus.Resolve(*handle);
+      const auto sink = std::make_shared<CRecordingSink>();
+      sink->onUpdate = [record] { record->GetValue(read_code::kField, L"Delta"); };
+      const auto token = record->Advise(sink);
+      runtime.Sleep(Milliseconds(8 + option));
+      record->Unadvise(token);
+    }
+    terminal.Events().Unsubscribe(name);
+  }
+  terminal.Events().Subscribe(name);
+}
+
+TEST(NativeDay, FiguresMoveOnRealThreadsWhileOthersWantThemAndNoMore) {
+  constexpr int kThreads = 12;
+  CDayFolder folder;
+  const Day day = ReadDayFile(FiguresDay(folder));
+  NativeRuntimeOptions options;
+  options.zone = day.head.timezone;
+  options.start = ToDateTime(day.head.start);
+  CNativeRuntime runtime(options);
+  CEmbeddedTerminal terminal(runtime, day);
+  CRecordingEngine engine;
+  std::vector<std::shared_ptr<IThread>> threads;
+  engine.onPhase = [&](int32_t, int32_t phase) {
+    if (phase != 2) return;
+    for (int i = 0; i < kThreads; ++i) {
+      threads.push_back(runtime.CreateThread(L"engine", [&, i] { WatchFigures(terminal, runtime, i); }));
+      threads.back()->Resume();
+    }
+  };
+  EXPECT_THAT(runtime.Run([&] { terminal.Play(engine); }), IsEmpty());
+  EXPECT_EQ(std::nullopt, terminal.Error());
+  for (int option = 0; option < 10; ++option) {
+    const std::wstring name = L"OPT.REAL." + kFigureChain + std::to_wstring(17500 + 100 * option);
+    const auto record = terminal.GetWorld().bus.Resolve(*terminal.Events().OpenRecord(name));
+    EXPECT_EQ(1, Mcode(*record));
+    EXPECT_NEAR(20, FromScaled(ScaledField(*record, L"ImpVol").value_or(0)), 0.5);
+  }
 }
 
 }  // namespace
