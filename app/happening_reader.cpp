@@ -84,7 +84,7 @@ void CHappeningReader::OnCommand(std::string_view topic, std::string_view text) 
 
 void CHappeningReader::OnMessage(std::string_view json) {
   rapidjson::Document message;
-  if (ParseJson(json, message)) return;
+  if (ParseJson(std::string(json), message)) return;
   const std::string strategy = TextOf(message, "StrategyType") + '_' + TextOf(message, "StrategyID") + '_' +
                                TextOf(message, "StrategySN");
   const std::string kind = TextOf(message, "MsgType");

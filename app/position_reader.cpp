@@ -72,7 +72,7 @@ void CPositionReader::OnClear(const std::string& strategy, const std::string& ta
 
 void CPositionReader::OnTotal(std::string_view json) {
   rapidjson::Document message;
-  if (ParseJson(json, message) || TextOf(message, "MsgType") != "TotalProfit") return;
+  if (ParseJson(std::string(json), message) || TextOf(message, "MsgType") != "TotalProfit") return;
   const rapidjson::Value* const data = FindMember(message, "Data");
   if (data == nullptr) return;
   const auto cost = IntegerOf(*data, "Cost");

@@ -1,12 +1,13 @@
 #include "records/json_document.h"
 
 #include <rapidjson/error/error.h>
-#include <rapidjson/memorystream.h>
 #include <rapidjson/reader.h>
 
 #include <charconv>
 #include <cstdint>
+#include <string>
 #include <system_error>
+#include <utility>
 
 #include "platform/text.h"
 #include "records/number_text.h"
@@ -16,7 +17,8 @@ namespace iorder {
 namespace {
 
 /// Passes a parser's events on to a document until they go too deep, and reads the numbers, which come as
-/// they are spelled: rapidjson's own exact reading runs out of its tables at long fractions.
+/// they are spelled: rapidjson's own exact reading runs out of its tables at long fractions. The document
+/// copies its strings: the text that they are read in doesn't last.
 class CDocumentFeed {
  public:
   using Ch = char;
@@ -32,8 +34,8 @@ class CDocumentFeed {
   bool Uint64(uint64_t value) { return m_document.Uint64(value); }
   bool Double(double value) { return m_document.Double(value); }
   bool RawNumber(const Ch* text, Size length, bool) { return AddNumber({text, length}); }
-  bool String(const Ch* text, Size length, bool copy) { return m_document.String(text, length, copy); }
-  bool Key(const Ch* text, Size length, bool copy) { return m_document.Key(text, length, copy); }
+  bool String(const Ch* text, Size length, bool) { return m_document.String(text, length, true); }
+  bool Key(const Ch* text, Size length, bool) { return m_document.Key(text, length, true); }
   bool StartObject() { return ++m_depth <= kMaxJsonDepth && m_document.StartObject(); }
   bool EndObject(Size count) { return --m_depth >= 0 && m_document.EndObject(count); }
   bool StartArray() { return ++m_depth <= kMaxJsonDepth && m_document.StartArray(); }
@@ -66,13 +68,15 @@ bool CDocumentFeed::AddNumber(std::string_view text) {
                                   : m_document.Uint64(magnitude);
 }
 
-/// Parses with the feed in between, and keeps the parser's verdict.
+/// Parses with the feed in between, and keeps the parser's verdict. In place, in its own text: strings
+/// are unescaped where they lie, and not letter by letter through the parser's stack.
 class CLimitedParser {
  public:
-  explicit CLimitedParser(std::string_view utf8) : m_stream(utf8.data(), utf8.size()) {}
+  explicit CLimitedParser(std::string utf8) : m_text(std::move(utf8)), m_stream(m_text.data()) {}
 
   bool operator()(rapidjson::Document& document) {
-    constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
+    constexpr unsigned flags =
+        rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseInsituFlag;
     CDocumentFeed feed(document);
     rapidjson::Reader reader;
     m_result = reader.Parse<flags>(m_stream, feed);
@@ -82,15 +86,16 @@ class CLimitedParser {
   const rapidjson::ParseResult& Result() const { return m_result; }
 
  private:
-  rapidjson::MemoryStream m_stream;
+  std::string m_text;
+  rapidjson::InsituStringStream m_stream;
   rapidjson::ParseResult m_result;
 };
 
 }  // namespace
 
-JsonFailure ParseJson(std::string_view utf8, rapidjson::Document& document) {
+JsonFailure ParseJson(std::string utf8, rapidjson::Document& document) {
   document.SetNull();
-  CLimitedParser parser(utf8);
+  CLimitedParser parser(std::move(utf8));
   document.Populate(parser);
   if (parser.Result().IsError()) document.SetNull();
   return {parser.Result().Code(), parser.Result().Offset()};

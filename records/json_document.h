@@ -25,8 +25,9 @@ struct JsonFailure {
 };
 
 /// Parses UTF-8 text without recursion, doubles exactly (a number that is too small for one is 0). Text that
-/// is nested too deep fails as "terminated". On failure the document is null.
-JsonFailure ParseJson(std::string_view utf8, rapidjson::Document& document);
+/// is nested too deep fails as "terminated". On failure the document is null. The text is worked on in place,
+/// so it comes by value; the document keeps nothing of it.
+JsonFailure ParseJson(std::string utf8, rapidjson::Document& document);
 
 /// rapidjson's writer, but a number that JSON can't spell (not finite) becomes null instead of broken text.
 class CJsonWriter : public rapidjson::Writer<rapidjson::StringBuffer> {

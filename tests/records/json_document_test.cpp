@@ -63,6 +63,19 @@ TEST(JsonDocument, DoublesAreReadExactly) {
   EXPECT_EQ(document[2].GetDouble(), 2.2250738585072011e-308);
 }
 
+TEST(JsonDocument, StringsAreUnescapedAndOutliveTheirText) {
+  rapidjson::Document document;
+  {
+    std::string text =
+        R"({"k\"ey" : "a\u0041\n\ud83d\ude00", "plain":"\u00e9t\u00e9 ", "n": [-12 ,3.5,"" ]})";
+    ASSERT_FALSE(ParseJson(text, document));
+    text.assign(text.size(), 'x');
+  }
+  EXPECT_EQ(StringMember(document, "k\"ey"), L"aA\n\U0001F600");
+  EXPECT_EQ(StringMember(document, "plain"), L"\u00e9t\u00e9 ");
+  EXPECT_EQ(WriteJson(*FindMember(document, "n")), R"([-12,3.5,""])");
+}
+
 TEST(JsonDocument, AFractionMayBeAnyLength) {
   rapidjson::Document document;
   for (const size_t length : {10, 22, 23, 30, 100, 340, 400, 5000}) {

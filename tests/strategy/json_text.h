@@ -11,7 +11,7 @@ namespace iorder::testing {
 /// The document of a JSON text that a test writes down.
 inline rapidjson::Document Json(std::string_view text) {
   rapidjson::Document document;
-  EXPECT_FALSE(ParseJson(text, document)) << text;
+  EXPECT_FALSE(ParseJson(std::string(text), document)) << text;
   return document;
 }
 
