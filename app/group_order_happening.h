@@ -36,12 +36,13 @@ struct GroupOrderLooked {
   std::optional<double> sum;  ///< times the factor; none: there is no position
   double factor = 1;
   double target = 0;
-  bool mustRise = false;  ///< else it must fall
+  std::optional<bool> mustRise;  ///< else it must fall; none: at the target from the beginning
   bool isDone = false;
 };
 
 /// A check condition: its value, and the band in which it is at rest, both ends included.
 struct GroupCheck {
+  int number = 1;  ///< the first or the second of the command
   std::string field;
   double value = 0;
   double low = 0;
@@ -55,10 +56,10 @@ struct GroupCycleMade {
   int64_t cycle = 0;  ///< of this order, from 1
   std::optional<double> sum;
   double target = 0;
-  std::vector<GroupCheck> checks;
-  size_t doubledLeg = 0;  ///< from 1; 0: none
-  size_t orders = 0;      ///< strings that it made
-  int64_t lots = 0;       ///< of all of them
+  std::vector<GroupCheck> checks;  ///< those that the command tells
+  size_t doubledLeg = 0;           ///< from 1; 0: none
+  size_t orders = 0;               ///< strings that it made
+  int64_t lots = 0;                ///< of all of them
 };
 
 /// An option that a leg looked at.
@@ -123,9 +124,11 @@ struct GroupLookPlanned {
   int32_t timer = 0;
 };
 
-/// The moment came, but children live: the last of them will plan another look.
+/// The moment came, but children live: the last of them will plan another look. Or a cycle of the order is
+/// under way.
 struct GroupLookPassed {
   GroupOrderName order;
+  size_t live = 0;  ///< none: a cycle is
 };
 
 /// A group order won't go on, or is gone.

@@ -48,6 +48,7 @@ void WriteChecks(CObjectWriter& members, const std::vector<GroupCheck>& checks) 
   members.BeginList("checks");
   for (const GroupCheck& check : checks) {
     members.Begin();
+    members.Number("check", check.number);
     members.Text("field", check.field);
     members.Double("value", check.value);
     members.Double("low", check.low);
@@ -89,7 +90,11 @@ void Write(CObjectWriter& members, const GroupOrderLooked& look) {
   members.Double("factor", look.factor);
   members.Double("sum", look.sum);
   members.Double("target", look.target);
-  members.Text("must", look.mustRise ? "rise" : "fall");
+  if (look.mustRise) {
+    members.Text("must", *look.mustRise ? "rise" : "fall");
+  } else {
+    members.Null("must");
+  }
   members.Flag("done", look.isDone);
 }
 
@@ -161,6 +166,7 @@ void Write(CObjectWriter& members, const GroupLookPlanned& look) {
 void Write(CObjectWriter& members, const GroupLookPassed& look) {
   members.Text("kind", "no_look");
   WriteName(members, look.order);
+  members.Number("live", static_cast<int64_t>(look.live));
 }
 
 void Write(CObjectWriter& members, const GroupOrderEnded& ended) {

@@ -12,10 +12,10 @@ std::optional<double> SumOf(const CStopCheck& check) {
   return check.bPosition ? std::optional(check.dbValue) : std::nullopt;
 }
 
-void AddCheck(std::vector<GroupCheck>& checks, const std::wstring& field,
+void AddCheck(std::vector<GroupCheck>& checks, int number, const std::wstring& field,
               const std::optional<CBandCheck>& check) {
   if (!check) return;
-  checks.push_back({ToUtf8(field), check->dbValue, check->dbCentre - check->dbHalfWidth,
+  checks.push_back({number, ToUtf8(field), check->dbValue, check->dbCentre - check->dbHalfWidth,
                     check->dbCentre + check->dbHalfWidth, check->bOut});
 }
 
@@ -35,7 +35,7 @@ void CGroupOrderReader::OnLook(const stcIntlgntOrd& order, const CStopCheck& che
   look.sum = SumOf(check);
   look.factor = order.dbStopFactor;
   look.target = order.dbStopValue;
-  look.mustRise = order.lDirection == direction::kRise;
+  if (order.lDirection != direction::kUndecided) look.mustRise = order.lDirection == direction::kRise;
   look.isDone = check.bStop;
   m_tell(look);
 }
@@ -47,8 +47,8 @@ void CGroupOrderReader::OnCycle(const stcIntlgntOrd& order, const CGroupCycle& c
   made.cycle = ++known.cycles;
   made.sum = known.sum;
   made.target = order.dbStopValue;
-  AddCheck(made.checks, order.strCheckName1, cycle.checks.first);
-  AddCheck(made.checks, order.strCheckName2, cycle.checks.second);
+  AddCheck(made.checks, 1, order.strCheckName1, cycle.checks.first);
+  AddCheck(made.checks, 2, order.strCheckName2, cycle.checks.second);
   made.doubledLeg = DoubledLeg(order);
   made.orders = cycle.orders.size();
   for (const CLegOrder& string : cycle.orders) made.lots += string.lQty;
@@ -112,7 +112,7 @@ void CGroupOrderReader::OnChildUpdate(const stcIntlgntOrd& order, const std::wst
 }
 
 void CGroupOrderReader::OnNoLook(const stcIntlgntOrd& order) {
-  m_tell(GroupLookPassed{NameOf(order)});
+  m_tell(GroupLookPassed{NameOf(order), m_known[order.llNumber].live});
 }
 
 void CGroupOrderReader::OnRecheck(const stcIntlgntOrd& order, int32_t timerId, int32_t delayMs) {

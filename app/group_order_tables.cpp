@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "app/csv_cell.h"
 #include "app/group_order_words.h"
 #include "app/symbol_words.h"
@@ -14,11 +16,12 @@ std::string NameCells(const GroupOrderName& order) {
 }
 
 /// Four cells, empty for a check that there isn't.
-std::string CheckCells(const std::vector<GroupCheck>& checks, size_t index) {
-  if (index >= checks.size()) return ",,,";
-  const GroupCheck& check = checks[index];
-  return fmt::format("{},{},{},{}", CsvCell(check.field), PriceText(check.value), PriceText(check.low),
-                     PriceText(check.high));
+std::string CheckCells(const std::vector<GroupCheck>& checks, int number) {
+  const auto check = std::find_if(checks.begin(), checks.end(),
+                                  [number](const GroupCheck& one) { return one.number == number; });
+  if (check == checks.end()) return ",,,";
+  return fmt::format("{},{},{},{}", CsvCell(check->field), PriceText(check->value), PriceText(check->low),
+                     PriceText(check->high));
 }
 
 std::string FigureCell(const std::string& field, ScaledValue figure) {
@@ -71,14 +74,14 @@ void CGroupOrderTables::Write(const std::string& at, const Happening& happening)
 void CGroupOrderTables::Write(const std::string& at, const GroupCycleMade& cycle) {
   m_cycles.Write(fmt::format(
       "{},{},{},{},{},{},{},{},{},{}\n", at, NameCells(cycle.order), cycle.cycle, PriceText(cycle.sum, ""),
-      PriceText(cycle.target), CheckCells(cycle.checks, 0), CheckCells(cycle.checks, 1),
+      PriceText(cycle.target), CheckCells(cycle.checks, 1), CheckCells(cycle.checks, 2),
       cycle.doubledLeg == 0 ? "" : std::to_string(cycle.doubledLeg), cycle.orders, cycle.lots));
 }
 
 void CGroupOrderTables::Write(const std::string& at, const GroupLegChosen& leg) {
   m_legs.Write(fmt::format("{},{},{},{},{},{},{},{},{},{},{},{},{}\n", at, NameCells(leg.order), leg.cycle,
                            leg.leg, CsvCell(leg.right), leg.side, leg.lots, CsvCell(leg.field),
-                           FigureText(leg.field, leg.wanted), CsvCell(leg.symbol), FoundCells(leg),
+                           FigureCell(leg.field, leg.wanted), CsvCell(leg.symbol), FoundCells(leg),
                            Sum(leg.offsets), leg.opens));
 }
 

@@ -154,7 +154,7 @@ std::string Words(const GroupOrderLooked& look) {
     words += look.sum ? fmt::format(", the target {} is reached", target) : ", and the target is 0";
   } else {
     words += fmt::format(", {}must {} to {}", look.sum ? "" : SumName(look) + " ",
-                         look.mustRise ? "rise" : "fall", target);
+                         look.mustRise.value_or(false) ? "rise" : "fall", target);
   }
   return Line("look", look.order, words);
 }
@@ -189,7 +189,7 @@ std::string Words(const GroupLookPlanned& look) {
 }
 
 std::string Words(const GroupLookPassed& look) {
-  return Line("no look", look.order, "children live");
+  return Line("no look", look.order, look.live != 0 ? "children live" : "a cycle is under way");
 }
 
 std::string Words(const GroupOrderEnded& ended) {

@@ -25,22 +25,24 @@ void CGroupOrders::RegisterChildOrder(int32_t handle) {
   if (order == nullptr) return;  // of another source
   if (!m_book.NoteChild(levelKey)) return;
 
-  order->AddChild(levelKey);
+  const bool hasSiblings = order->AddChild(levelKey) > 1;
   if (m_watch != nullptr) m_watch->OnChild(*order, levelKey);
-  FollowChild(*order, levelKey, handle);
+  if (FollowChild(*order, levelKey, handle)) return;
+  // The last of the others may have ended meanwhile, and found this one alive.
+  if (hasSiblings && order->bFailed == 0 && order->ChildCount() == 0) ScheduleRecheck(order);
 }
 
-void CGroupOrders::FollowChild(stcIntlgntOrd& order, const std::wstring& levelKey, int32_t handle) {
+bool CGroupOrders::FollowChild(stcIntlgntOrd& order, const std::wstring& levelKey, int32_t handle) {
   auto record = m_host.FollowRecord(handle);  // its updates come from here on
   if (record == nullptr) {
-    // A child that can't be followed can't hold the order back.
     order.RemoveChild(levelKey);
     m_book.EndChild(levelKey);
     if (m_watch != nullptr) m_watch->OnChildUpdate(order, levelKey, NoInt, order.ChildCount());
-    return;
+    return false;
   }
   // Only here are the handles of ended children closed, when this goes: no event of theirs is running.
   const CGroupOrderBook::Handles ended = m_book.KeepChild(levelKey, std::move(record));
+  return true;
 }
 
 void CGroupOrders::OnChildOrderUpdate(CBaseData& source) {

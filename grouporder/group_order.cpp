@@ -4,9 +4,10 @@
 
 namespace iorder {
 
-void stcIntlgntOrd::AddChild(const std::wstring& levelKey) {
+size_t stcIntlgntOrd::AddChild(const std::wstring& levelKey) {
   CLockGuard guard(cs);
   arChildKeys.push_back(levelKey);
+  return arChildKeys.size();
 }
 
 void stcIntlgntOrd::RemoveChild(const std::wstring& levelKey) {

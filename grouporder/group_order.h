@@ -90,7 +90,8 @@ struct stcIntlgntOrd {
   std::atomic<int32_t> bFailed{0};   ///< 1 for good once a child has failed: no timer is armed any more
   std::atomic<bool> bAtWork{false};  ///< a re-check has taken it, and hasn't let it go
 
-  void AddChild(const std::wstring& levelKey);
+  /// How many live with it.
+  size_t AddChild(const std::wstring& levelKey);
   /// Takes out the first of that key.
   void RemoveChild(const std::wstring& levelKey);
   size_t ChildCount();

@@ -38,7 +38,7 @@ void CGroupOrders::ParseGroupOrder(const rapidjson::Value& command) {
   if (SubscribeChain(*order)) {
     SubmitGroupOrder(order, checks);
   } else {
-    m_book.AddPending(order);
+    AddPending(order);
   }
 }
 

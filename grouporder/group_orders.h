@@ -32,6 +32,9 @@ class CGroupOrders {
 
   /// Accepts a command: the whole first cycle runs here, on the thread of commands.
   void ParseGroupOrder(const rapidjson::Value& command);
+  /// Lets an accepted order wait for its option records. No command leads here: the first cycle of each runs
+  /// without waiting.
+  void AddPending(const GroupOrderPtr& order) { m_book.AddPending(order); }
   /// Sends the orders that waited for their option records; on the watch thread.
   void PassPendingOrders();
   /// Follows a child order that the host announces by its record's handle; on a host thread.
@@ -55,7 +58,8 @@ class CGroupOrders {
   void SubmitGroupOrder(const GroupOrderPtr& order, const CBandChecks& checks);
   void NameGroups(stcIntlgntOrd& order);
   void Enter(const GroupOrderPtr& order);
-  void FollowChild(stcIntlgntOrd& order, const std::wstring& levelKey, int32_t handle);
+  /// False if its record is gone: it can't hold the order back then.
+  bool FollowChild(stcIntlgntOrd& order, const std::wstring& levelKey, int32_t handle);
   void ScheduleRecheck(const GroupOrderPtr& order);
   int32_t RecheckDelay();
   void TellEnd(const stcIntlgntOrd& order, GroupOrderEnd end);

@@ -112,6 +112,34 @@ TEST(DayTables, HoldTheCyclesLegsAndChildrenOfGroupOrders) {
               HasSubstr("2024-03-04T08:47:00.000,,B1/A1,ND.O.TWF.TX.202403.C.17500,B,2,,0,BELOW,2,1\n"));
 }
 
+TEST(DayTables, ASecondCheckAloneStandsInItsOwnColumns) {
+  const CProgramFolder folder;
+  CDayTables tables(folder.File("t"));
+  GroupCycleMade cycle;
+  cycle.order = {"G", 1, false};
+  cycle.cycle = 1;
+  cycle.checks = {{2, "Vega", 130, 90, 110, true}};
+  tables.Add(kAt, cycle);
+  tables.Commit();
+  EXPECT_THAT(folder.Read("t/cycles.csv"),
+              testing::EndsWith("\n2024-03-04T08:45:00.000,G,1,1,,0,,,,,Vega,130,90,110,,0,0\n"));
+}
+
+TEST(DayTables, ALegThatWantsNothingThatFitsHasAnEmptyCell) {
+  const CProgramFolder folder;
+  CDayTables tables(folder.File("t"));
+  GroupLegChosen leg;
+  leg.order = {"G", 1, false};
+  leg.leg = 1;
+  leg.side = "B";
+  leg.field = "Vega";
+  leg.wanted = NoValue;
+  tables.Add(kAt, leg);
+  tables.Commit();
+  EXPECT_THAT(folder.Read("t/legs.csv"),
+              testing::EndsWith("\n2024-03-04T08:45:00.000,G,1,0,1,,B,0,Vega,,,,,0,0\n"));
+}
+
 TEST(DayTables, WithoutCommitThereIsNone) {
   const CProgramFolder folder;
   {

@@ -73,13 +73,16 @@ TEST_F(GroupOrderReaderTest, ALookIsTold) {
   EXPECT_EQ(look.sum, 12);
   EXPECT_EQ(look.factor, 2);
   EXPECT_EQ(look.target, 50);
-  EXPECT_TRUE(look.mustRise);
+  EXPECT_EQ(look.mustRise, true);
   EXPECT_FALSE(look.isDone);
   order.lDirection = direction::kFall;
   reader.OnLook(order, {.bStop = true});
   EXPECT_EQ(Last<GroupOrderLooked>().sum, std::nullopt);
-  EXPECT_FALSE(Last<GroupOrderLooked>().mustRise);
+  EXPECT_EQ(Last<GroupOrderLooked>().mustRise, false);
   EXPECT_TRUE(Last<GroupOrderLooked>().isDone);
+  order.lDirection = direction::kUndecided;
+  reader.OnLook(order, {.bStop = true});
+  EXPECT_EQ(Last<GroupOrderLooked>().mustRise, std::nullopt);
 }
 
 TEST_F(GroupOrderReaderTest, ASecondOrderOfAnIdIsToldApart) {
@@ -110,6 +113,7 @@ TEST_F(GroupOrderReaderTest, ACycleTellsWhatItSawAndMade) {
   EXPECT_EQ(made.sum, 12);
   EXPECT_EQ(made.target, 50);
   ASSERT_THAT(made.checks, SizeIs(1));
+  EXPECT_EQ(made.checks[0].number, 2);
   EXPECT_EQ(made.checks[0].field, "Gamma");
   EXPECT_EQ(made.checks[0].low, 3);
   EXPECT_EQ(made.checks[0].high, 7);
@@ -266,6 +270,10 @@ TEST_F(GroupOrderReaderTest, TheNextLookIsCountedFromNow) {
 TEST_F(GroupOrderReaderTest, ALookThatPassesIsTold) {
   reader.OnNoLook(order);
   EXPECT_EQ(Last<GroupLookPassed>().order.number, order.llNumber);
+  EXPECT_EQ(Last<GroupLookPassed>().live, 0u);
+  reader.OnChild(order, L"C1");
+  reader.OnNoLook(order);
+  EXPECT_EQ(Last<GroupLookPassed>().live, 1u);
 }
 
 }  // namespace

@@ -73,10 +73,11 @@ TEST(GroupLook, TellsThatThereIsNoPosition) {
   EXPECT_EQ(Text(look), "look          group order HEDGE: no position, 1Pct$Vanna must rise to 60000");
   look.target = 0;
   look.isDone = true;
+  look.mustRise.reset();
   EXPECT_EQ(Text(look), "look          group order HEDGE: no position, and the target is 0");
   EXPECT_EQ(Json("T", look),
             R"({"at":"T","kind":"look","group_order":"HEDGE","number":3,"field":"1Pct$Vanna","factor":1.0,)"
-            R"("sum":null,"target":0.0,"must":"rise","done":true})");
+            R"("sum":null,"target":0.0,"must":null,"done":true})");
 }
 
 TEST(GroupLook, TellsThatTheTargetIsReached) {
@@ -98,7 +99,7 @@ TEST(GroupCycle, TellsBandsAndTheDoubledLeg) {
   cycle.orders = 1;
   cycle.lots = 2;
   EXPECT_EQ(Text(cycle), "cycle         group order HEDGE: cycle 2, 1 order");
-  cycle.checks = {{"Vega", 130, 90, 110, true}, {"Gamma", 0.5, -1, 1, false}};
+  cycle.checks = {{1, "Vega", 130, 90, 110, true}, {2, "Gamma", 0.5, -1, 1, false}};
   cycle.doubledLeg = 4;
   cycle.orders = 3;
   EXPECT_EQ(Text(cycle),
@@ -106,8 +107,8 @@ TEST(GroupCycle, TellsBandsAndTheDoubledLeg) {
             "leg 4 is doubled, 3 orders");
   EXPECT_EQ(Json("T", cycle),
             R"({"at":"T","kind":"cycle","group_order":"HEDGE","number":3,"cycle":2,"sum":4.5,"target":1.0,)"
-            R"("checks":[{"field":"Vega","value":130.0,"low":90.0,"high":110.0,"outside":true},)"
-            R"({"field":"Gamma","value":0.5,"low":-1.0,"high":1.0,"outside":false}],"doubled":4,)"
+            R"("checks":[{"check":1,"field":"Vega","value":130.0,"low":90.0,"high":110.0,"outside":true},)"
+            R"({"check":2,"field":"Gamma","value":0.5,"low":-1.0,"high":1.0,"outside":false}],"doubled":4,)"
             R"("orders":3,"lots":2})");
 }
 
@@ -240,9 +241,10 @@ TEST(GroupNextLook, ItsMomentIsTold) {
 }
 
 TEST(GroupNoLook, AMomentThatPassedIsTold) {
-  EXPECT_EQ(Text(GroupLookPassed{kOrder}), "no look       group order HEDGE: children live");
-  EXPECT_EQ(Json("T", GroupLookPassed{kOrder}),
-            R"({"at":"T","kind":"no_look","group_order":"HEDGE","number":3})");
+  EXPECT_EQ(Text(GroupLookPassed{kOrder, 2}), "no look       group order HEDGE: children live");
+  EXPECT_EQ(Text(GroupLookPassed{kOrder, 0}), "no look       group order HEDGE: a cycle is under way");
+  EXPECT_EQ(Json("T", GroupLookPassed{kOrder, 2}),
+            R"({"at":"T","kind":"no_look","group_order":"HEDGE","number":3,"live":2})");
 }
 
 TEST(GroupEnd, ItsReasonIsTold) {

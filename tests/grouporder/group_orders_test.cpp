@@ -3,9 +3,12 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
+#include "grouporder/group_order_text.h"
 #include "tests/strategy/json_text.h"
 #include "tests/support/virtual_world.h"
 
@@ -37,6 +40,7 @@ class CGroupHost : public IGroupOrderHost {
   }
   std::unique_ptr<CBaseData> FollowRecord(int32_t handle) override {
     followed.push_back(handle);
+    if (onFollow) onFollow();
     if (!canFollow) return nullptr;
     return CBaseData::OpenByHandle(m_world.world, handle, nullptr);
   }
@@ -60,6 +64,7 @@ class CGroupHost : public IGroupOrderHost {
 
   std::function<void()> onSend;
   std::function<void()> onOpen;
+  std::function<void()> onFollow;
   bool canFollow = true;
   std::vector<std::wstring> chain{kOption};
   int32_t speed = 0;
@@ -234,6 +239,47 @@ TEST_F(GroupOrders, AChildThatCantBeFollowedDoesntHoldTheOrderBack) {
     m_host.canFollow = true;
     orders.RegisterChildOrder(first);
     EXPECT_THAT(m_host.followed, ElementsAre(second, first, first)) << "announced again, it is tried again";
+  });
+}
+
+TEST_F(GroupOrders, AChildThatCantBeFollowedDoesntHoldTheOrderBackWhenTheOthersEndMeanwhile) {
+  Run([this](CGroupOrders& orders) {
+    Accept(orders);
+    const int32_t first = Child(L"C1", 3);
+    orders.RegisterChildOrder(first);
+    m_host.canFollow = false;
+    m_host.onFollow = [&] { Update(orders, first); };
+    orders.RegisterChildOrder(Child(L"C2", 0));
+    EXPECT_THAT(m_host.armed, ElementsAre(std::pair(3001, 2000)));
+  });
+}
+
+TEST_F(GroupOrders, AChildAloneThatCantBeFollowedLeadsToNoLook) {
+  Run([this](CGroupOrders& orders) {
+    Accept(orders);
+    m_host.canFollow = false;
+    orders.RegisterChildOrder(Child(L"C1", 0));
+    EXPECT_THAT(m_host.armed, IsEmpty()) << "it may be working";
+  });
+}
+
+TEST_F(GroupOrders, AnOrderThatWaitedIsSentOnce) {
+  Run([this](CGroupOrders& orders) {
+    for (const char* const id : {"G1", "G2"}) {
+      const auto order = std::make_shared<stcIntlgntOrd>(m_world.runtime);
+      ReadGroupOrder(iorder::testing::Json(
+                         std::string(R"({"Order":[{"CallPut":"Call","Qty":1}],"StrategyID":")") + id + "\"}"),
+                     *order);
+      order->lMultiplier.fill(1);
+      order->arCallSymbols = {std::wstring(L"OPT.REAL.") + kOption};
+      orders.AddPending(order);
+    }
+    orders.PassPendingOrders();
+    ASSERT_THAT(m_host.sent, SizeIs(2));
+    EXPECT_THAT(m_host.sent[0], ::testing::HasSubstr(L"STRATEGY=G1,"));
+    EXPECT_THAT(m_host.sent[1], ::testing::HasSubstr(L"STRATEGY=G2,"));
+    orders.PassPendingOrders();
+    EXPECT_THAT(m_host.sent, SizeIs(2));
   });
 }
 

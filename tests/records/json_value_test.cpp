@@ -243,6 +243,8 @@ TEST(JsonValue, APowerThatDoesNotFitIsNoValue) {
 TEST(JsonValue, ASmallEEndsANumberAndItsReaderFails) {
   ExpectRows({{L"1e5 ", 1, "i1"}, {L"1.5e5,", 3, "d0x1.8p+0"}});
   ExpectFailures({L"[1e5]", L"{\"a\":1e5}"});
+  // What is left of it stands in front of the next key, which begins at its quote.
+  ExpectRows({{L"{\"a\":1e5,\"b\":2}", 15, R"({"a":i1,"b":i2})"}});
 }
 
 TEST(JsonValue, AStringHasItsText) {

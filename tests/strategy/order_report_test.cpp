@@ -142,6 +142,14 @@ TEST(ExecType, WhatWorksWhatIsFilledAndWhatIsRejectedAreApart) {
   }
 }
 
+TEST(ExecType, AChildEndsInSixStatesAndFailsInTwoOfThem) {
+  for (int32_t type = -1; type <= 30; ++type) {
+    const bool ends = type == 2 || type == 3 || type == 5 || type == 7 || type == 8 || type == 10;
+    EXPECT_EQ(ends, exec_type::EndsChild(type)) << type;
+    EXPECT_EQ(type == 5 || type == 8, exec_type::FailsChild(type)) << type;
+  }
+}
+
 TEST(OrderReportTypes, TheTypes1And25AreMarketOrders) {
   for (int32_t type = -1; type <= 30; ++type) {
     COrderReport report;

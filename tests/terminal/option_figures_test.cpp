@@ -117,6 +117,27 @@ TEST(OptionFigures, WithoutATradeTheMiddleOfBidAndAskCounts) {
                                     "08:50:03.000 " + CallFigures(18100, 20)));
 }
 
+TEST(OptionFigures, ABidOrAskOfNothingHasNoMiddle) {
+  const double price = BlackPrice(true, 18000, 18100, 25, kYears);
+  for (const std::string& gone : {"\"bid\": 0, \"ask\": " + std::to_string(2 * price),
+                                  "\"ask\": 0, \"bid\": " + std::to_string(2 * price)}) {
+    COptionDay day(TradedFuture("08:50:00", 18100) + QuoteLine("08:50:00", kCall, gone) + kSubscribe +
+                   TradedCall("08:50:03", 18100, 20));
+    EXPECT_THAT(day.seen, ElementsAre("08:50:03.000 " + CallFigures(18100, 20)));
+  }
+}
+
+TEST(OptionFigures, TheVolatilityIsThatOfTheTimeOfTheTrade) {
+  const double yearsLater = 1.0 / 365;  // at the end of the 19th
+  COptionDay day(TradedFuture("08:50:00", 18100) + TradedCall("08:50:00", 18100, 20) +
+                     CommandLine("2024-03-20T00:00:00", "subscribe"),
+                 R"(, "subscriptions": "open", "end": "2024-03-20T00:00:01")");
+  ASSERT_EQ(1U, day.seen.size());
+  const double deviation = 0.2 * std::sqrt(yearsLater);
+  const double delta = NormalShare(std::log(18100.0 / 18000) / deviation + deviation / 2);
+  EXPECT_EQ("00:00:00.000 200 " + std::to_string(std::lround(delta * 1000)) + " 1", day.seen[0]);
+}
+
 TEST(OptionFigures, AFutureWithoutATradeIsItsMiddleToo) {
   COptionDay day(QuoteLine("08:50:00", kFuture, R"("bid": 18099, "ask": 18101)") +
                  TradedCall("08:50:00", 18100, 20) + kSubscribe);

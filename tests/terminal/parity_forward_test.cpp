@@ -36,6 +36,14 @@ TEST(ParityForward, TheFiveNearestToTheMoneyCount) {
   EXPECT_EQ(17250 * kOne, ParityForward(prices));
 }
 
+TEST(ParityForward, ASixthDoesNotCount) {
+  ChainPrices prices;
+  for (int i = 0; i < 5; ++i) Add(prices, 17240 + 10 * i, 17241 + 10 * i);
+  EXPECT_EQ(17261 * kOne, ParityForward(prices));
+  Add(prices, 17000, 17290);
+  EXPECT_EQ(17261 * kOne, ParityForward(prices));
+}
+
 TEST(ParityForward, AStrikeWithOnePriceTellsNothing) {
   ChainPrices prices;
   EXPECT_EQ(NoValue, ParityForward(prices));

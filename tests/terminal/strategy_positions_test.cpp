@@ -36,6 +36,13 @@ TEST(StrategyPositions, FillsMakeAnItemPerSymbolAndStrategy) {
   EXPECT_EQ(Value(), day.Position(L"S2", kPut, L"Quantity"));
 }
 
+TEST(StrategyPositions, WithoutAStrategyThereIsNone) {
+  CGroupOrderDay day(kPriced + Fill("09:00:00", "B", 3, "STRATEGY=") + Fill("09:00:01", "B", 2));
+  const auto positions = day.day.Open(L"STRATEGY.POSITION");
+  EXPECT_EQ(Value(std::wstring(L"BNS1")), positions->GetValue(read_code::kNames, kNodeNamesSelector));
+  EXPECT_EQ(Value(2), day.Position(L"S1", kCall, L"Quantity"));
+}
+
 TEST(StrategyPositions, ASaleReducesAndBeyondThatTurnsTheSide) {
   CGroupOrderDay day(kPriced + Fill("09:00:00", "B", 3) + Fill("09:00:01", "S", 5));
   EXPECT_EQ(Value(2), day.Position(L"S1", kCall, L"Quantity"));
