@@ -2,194 +2,20 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <filesystem>
 #include <limits>
 #include <utility>
 
 #include "platform/text.h"
 #include "terminal/day_file.h"
+#include "terminal/fault_action.h"
 #include "terminal/quote_words.h"
+#include "terminal/record_action.h"
 
 namespace iorder {
 namespace {
 
-constexpr int64_t kInt32Least = std::numeric_limits<int32_t>::min();
 constexpr int64_t kInt32Most = std::numeric_limits<int32_t>::max();
-constexpr int64_t kLongestMs = 7LL * 24 * 3600 * 1000;
-
-std::wstring NeedWide(CObjectReader& reader, std::string_view key) {
-  return ToWide(reader.NeedText(key));
-}
-
-Value Int32Value(const CObjectReader& reader, std::string_view key, const JsonNode& node) {
-  const std::optional<int64_t> value = IntegerOf(node);
-  if (!value || *value < kInt32Least || *value > kInt32Most) {
-    reader.FailKind(key, node, "a 32-bit integer");
-  }
-  return static_cast<int32_t>(*value);
-}
-
-Value Int64Value(const CObjectReader& reader, std::string_view key, const JsonNode& node) {
-  const std::optional<int64_t> value = IntegerOf(node);
-  if (!value) {
-    reader.FailKind(key, node, "a 64-bit integer");
-  }
-  return *value;
-}
-
-Value ScaledOf(const CObjectReader& reader, std::string_view key, const JsonNode& node) {
-  const std::optional<ScaledValue> value = DecimalOf(node);
-  if (!value) {
-    reader.FailKind(key, node, "a decimal with at most ten places");
-  }
-  return *value;
-}
-
-/// What a bare number stands for, which depends on where it stands.
-enum class BareNumber { kInt32, kInt64, kScaled };
-
-FieldValue ReadNamedKind(const CObjectReader& reader, std::string_view key, const JsonNode& node) {
-  CObjectReader kind(node, "the value of '" + std::string(key) + "' in " + reader.What(), reader.Place());
-  FieldValue result;
-  if (const JsonNode* const int32 = kind.Find("int32")) {
-    result.value = Int32Value(kind, "int32", *int32);
-  } else if (const JsonNode* const int64 = kind.Find("int64")) {
-    result.value = Int64Value(kind, "int64", *int64);
-  } else if (const JsonNode* const scaled = kind.Find("scaled")) {
-    result.value = ScaledOf(kind, "scaled", *scaled);
-  } else if (kind.Find("handle") != nullptr) {
-    result.kind = FieldValue::Kind::kHandle;
-    result.record = NeedWide(kind, "handle");
-  } else if (kind.Find("handle64") != nullptr) {
-    result.kind = FieldValue::Kind::kHandle64;
-    result.record = NeedWide(kind, "handle64");
-  } else {
-    kind.Finish();
-    reader.FailKind(key, node, "int32, int64, scaled, handle or handle64");
-  }
-  kind.Finish();
-  return result;
-}
-
-FieldValue ReadValue(const CObjectReader& reader, std::string_view key, const JsonNode& node,
-                     BareNumber number) {
-  FieldValue result;
-  switch (node.kind) {
-    case JsonNode::Kind::kNull:
-      result.kind = FieldValue::Kind::kRemove;
-      return result;
-    case JsonNode::Kind::kText:
-      result.value = number == BareNumber::kScaled ? ScaledOf(reader, key, node) : Value(ToWide(node.text));
-      return result;
-    case JsonNode::Kind::kNumber:
-      result.value = number == BareNumber::kInt32   ? Int32Value(reader, key, node)
-                     : number == BareNumber::kInt64 ? Int64Value(reader, key, node)
-                                                    : ScaledOf(reader, key, node);
-      return result;
-    case JsonNode::Kind::kObject:
-      return ReadNamedKind(reader, key, node);
-    default:
-      reader.FailKind(key, node, "a text, an integer, null or an object that names the kind");
-  }
-}
-
-std::vector<FieldChange> ReadFields(CObjectReader& reader) {
-  std::vector<FieldChange> changes;
-  if (const JsonNode* const fields = reader.Object("fields")) {
-    CObjectReader names(*fields, "the fields of " + reader.What(), reader.Place());
-    for (const JsonNode* const field : names.Rest()) {
-      changes.push_back({ToWide(field->name), ReadValue(names, field->name, *field, BareNumber::kInt32)});
-    }
-  }
-  return changes;
-}
-
-std::vector<NumberChange> ReadNumbers(CObjectReader& reader) {
-  std::vector<NumberChange> changes;
-  if (const JsonNode* const numbers = reader.Object("numbers")) {
-    CObjectReader ids(*numbers, "the numbers of " + reader.What(), reader.Place());
-    for (const JsonNode* const number : ids.Rest()) {
-      int32_t id = 0;
-      const char* const end = number->name.data() + number->name.size();
-      const auto [stop, error] = std::from_chars(number->name.data(), end, id);
-      if (error != std::errc() || stop != end) {
-        ids.Fail(number->name, "isn't the number of a field");
-      }
-      changes.push_back({id, ReadValue(ids, number->name, *number, BareNumber::kInt64)});
-    }
-  }
-  return changes;
-}
-
-RecordChange ReadSubRecord(const JsonNode& node, const std::string& what, const FilePlace& place);
-
-std::vector<RecordChange> ReadSubRecords(CObjectReader& reader, std::string_view key,
-                                         const std::string& what) {
-  std::vector<RecordChange> records;
-  if (const JsonNode* const list = reader.List(key)) {
-    for (const JsonNode& node : list->children) {
-      records.push_back(ReadSubRecord(node, what, reader.Place()));
-    }
-  }
-  return records;
-}
-
-void ReadContent(CObjectReader& reader, RecordChange& change) {
-  change.fields = ReadFields(reader);
-  change.numbers = ReadNumbers(reader);
-  change.items = ReadSubRecords(reader, "items", "item");
-  change.nodes = ReadSubRecords(reader, "nodes", "node");
-}
-
-RecordChange ReadSubRecord(const JsonNode& node, const std::string& what, const FilePlace& place) {
-  CObjectReader reader(node, what, place);
-  RecordChange change;
-  change.name = ToWide(reader.Text("name").value_or(""));
-  change.remove = reader.Flag("remove").value_or(false);
-  change.clear = reader.Flag("clear").value_or(false);
-  ReadContent(reader, change);
-  reader.Finish();
-  if (change.remove && change.name.empty()) {
-    reader.Fail("remove", "needs the name of the one to take out");
-  }
-  return change;
-}
-
-std::optional<Firing> ReadFire(CObjectReader& reader) {
-  const JsonNode* const node = reader.Find("fire");
-  if (node == nullptr || node->kind == JsonNode::Kind::kFalse) {
-    return std::nullopt;
-  }
-  Firing firing;
-  if (node->kind == JsonNode::Kind::kTrue) {
-    return firing;
-  }
-  if (!node->IsObject()) {
-    reader.FailKind("fire", *node, "true, false or an object");
-  }
-  CObjectReader event(*node, "fire", reader.Place());
-  firing.originator = event.Int32("originator");
-  firing.payload = ToWide(event.Text("payload").value_or(""));
-  event.Finish();
-  return firing;
-}
-
-RecordAction ReadRecord(CObjectReader& reader) {
-  RecordAction action;
-  action.change.name = NeedWide(reader, "record");
-  if (action.change.name.empty()) {
-    reader.Fail("record", "a record needs a name");
-  }
-  action.change.clear = reader.Flag("clear").value_or(false);
-  ReadContent(reader, action.change);
-  action.firing = ReadFire(reader);
-  if (reader.Flag("replace").value_or(false)) {
-    action.firing = action.firing.value_or(Firing());
-    action.firing->replace = true;
-  }
-  return action;
-}
 
 void ReadQuoteWord(CObjectReader& reader, const QuoteWord& word, QuoteUpdate& update) {
   const JsonNode* const node = reader.Find(word.word);
@@ -334,17 +160,6 @@ PhaseAction ReadPhase(CObjectReader& reader) {
           std::get<int32_t>(Int32Value(reader, "phase", list.children[1]))};
 }
 
-/// The members that nobody asked for are the fields.
-std::vector<FieldChange> ReadRestAsFields(const CObjectReader& reader, bool pricesAreDecimals) {
-  std::vector<FieldChange> changes;
-  for (const JsonNode* const field : reader.Rest()) {
-    const bool isPrice = pricesAreDecimals && (field->name == "Price" || field->name == "AvgPrice");
-    changes.push_back({ToWide(field->name), ReadValue(reader, field->name, *field,
-                                                      isPrice ? BareNumber::kScaled : BareNumber::kInt32)});
-  }
-  return changes;
-}
-
 ReportAction ReadReport(CObjectReader& reader) {
   CObjectReader report(reader.Need("report"), "report", reader.Place());
   ReportAction action;
@@ -406,123 +221,6 @@ RequestAction ReadRequest(CObjectReader& reader) {
     record.Finish();
   }
   request.Finish();
-  return action;
-}
-
-/// Reads the settings of faults: each is its misbehaviour, or "none".
-class CFaultReader {
- public:
-  explicit CFaultReader(CObjectReader& reader) : m_reader(reader) {}
-
-  FaultAction Read() {
-    if (m_reader.Find("record") != nullptr) {
-      return ReadRecordFault();
-    }
-    if (m_reader.Find("account") != nullptr) {
-      return ReadAccountFault();
-    }
-    if (m_reader.Find("database") != nullptr) {
-      return ReadPlain(FaultAction::Kind::kDatabase, "database", "fail");
-    }
-    if (m_reader.Find("sink") != nullptr) {
-      return ReadPlain(FaultAction::Kind::kSink, "sink", "fail");
-    }
-    if (m_reader.Find("timer") != nullptr) {
-      return ReadTimerFault();
-    }
-    if (m_reader.Find("thread") != nullptr) {
-      FaultAction fault = ReadPlain(FaultAction::Kind::kThread, "thread", "fail");
-      fault.times = Times().value_or(1);
-      return fault;
-    }
-    if (m_reader.Find("stuck") != nullptr) {
-      FaultAction fault;
-      fault.kind = FaultAction::Kind::kStuck;
-      fault.name = NeedWide(m_reader, "stuck");
-      ReadTime("ms", fault);
-      return fault;
-    }
-    m_reader.Finish();
-    FailAt(m_reader.Place(), "fault is empty");
-  }
-
- private:
-  bool IsNone(std::string_view key) {
-    const JsonNode* const node = m_reader.Find(key);
-    return node != nullptr && node->kind == JsonNode::Kind::kText && node->text == "none";
-  }
-
-  /// True for "none"; anything else but `setting` is a mistake.
-  bool ReadSetting(std::string_view key, const std::string& setting) {
-    const JsonNode& node = m_reader.Need(key);
-    if (!IsNone(key) && (node.kind != JsonNode::Kind::kText || node.text != setting)) {
-      m_reader.FailKind(key, node, "'" + setting + "' or 'none'");
-    }
-    return IsNone(key);
-  }
-
-  std::optional<int32_t> Times() {
-    const std::optional<int64_t> times = m_reader.Integer("times", 1, kInt32Most);
-    return times ? std::optional(static_cast<int32_t>(*times)) : std::nullopt;
-  }
-
-  FaultAction ReadPlain(FaultAction::Kind kind, std::string_view key, const std::string& setting) {
-    FaultAction fault;
-    fault.kind = kind;
-    fault.clear = ReadSetting(key, setting);
-    return fault;
-  }
-
-  FaultAction ReadRecordFault() {
-    const JsonNode* const item = m_reader.Find("item");
-    FaultAction fault = item == nullptr ? ReadPlain(FaultAction::Kind::kRecordOpen, "open", "fail")
-                                        : ReadPlain(FaultAction::Kind::kItemOpen, "open", "unresolved");
-    fault.name = NeedWide(m_reader, "record");
-    if (item != nullptr) {
-      fault.item = ReadValue(m_reader, "item", *item, BareNumber::kInt32);
-      if (!std::holds_alternative<int32_t>(fault.item.value) &&
-          !std::holds_alternative<std::wstring>(fault.item.value)) {
-        m_reader.FailKind("item", *item, "an index or a name");
-      }
-      fault.node = ToWide(m_reader.Text("node").value_or(""));
-      fault.times = Times();
-    }
-    return fault;
-  }
-
-  FaultAction ReadAccountFault() {
-    FaultAction fault;
-    fault.kind = FaultAction::Kind::kAccount;
-    fault.name = NeedWide(m_reader, "account");
-    m_reader.Need("drop");
-    fault.clear = IsNone("drop") || !*m_reader.Flag("drop");
-    return fault;
-  }
-
-  FaultAction ReadTimerFault() {
-    FaultAction fault;
-    fault.kind = FaultAction::Kind::kTimer;
-    // The waitable timers of the engine are named by their service and this number.
-    fault.name = L"." + std::to_wstring(m_reader.NeedInteger("timer", 0, kInt32Most));
-    ReadTime("late_ms", fault);
-    return fault;
-  }
-
-  void ReadTime(std::string_view key, FaultAction& fault) {
-    m_reader.Need(key);
-    fault.clear = IsNone(key);
-    if (!fault.clear) {
-      fault.time = Milliseconds(m_reader.NeedInteger(key, 0, kLongestMs));
-    }
-  }
-
-  CObjectReader& m_reader;
-};
-
-FaultAction ReadFault(CObjectReader& reader) {
-  CObjectReader fault(reader.Need("fault"), "fault", reader.Place());
-  const FaultAction action = CFaultReader(fault).Read();
-  fault.Finish();
   return action;
 }
 

@@ -157,6 +157,7 @@ class CEmbeddedBus : public IRecordBus {
       IORDER_REQUIRES(m_section);
   Value ChildHandle(const CBusObject& object, const std::vector<CRecord::Child>& children,
                     std::optional<size_t> index, bool items) IORDER_REQUIRES(m_section);
+  static bool IsSymbol(std::wstring_view name);
   bool NeedsSubscription(std::wstring_view name) const;
 
   const bool m_needsSubscription;
