@@ -12,6 +12,7 @@ bool CGroupOrders::AreRecordsReady(const stcIntlgntOrd& order) {
 
 void CGroupOrders::PassPendingOrders() {
   const std::vector<GroupOrderPtr> orders = m_book.TakePending();
+  if (orders.empty()) return;
   std::vector<size_t> submitted;
   for (size_t i = 0; i < orders.size(); ++i) {
     if (!AreRecordsReady(*orders[i])) continue;
