@@ -58,7 +58,7 @@ bool CDocumentFeed::AddNumber(std::string_view text) {
   constexpr uint64_t kTwoTo31 = uint64_t{1} << 31;
   constexpr uint64_t kTwoTo63 = uint64_t{1} << 63;
   if (stop != end || error != std::errc() || (isNegative && magnitude > kTwoTo63)) {
-    return m_document.Double(LeadingDouble(ToWide(text)));
+    return m_document.Double(LeadingDouble(text));
   }
   const auto number = static_cast<int64_t>(isNegative ? 0 - magnitude : magnitude);
   if (isNegative) {

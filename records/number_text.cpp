@@ -65,11 +65,14 @@ int32_t LeadingInt32(std::wstring_view text) {
 }
 
 double LeadingDouble(std::wstring_view text) {
-  const std::string narrow = LeadingNumberText(text);
+  return LeadingDouble(std::string_view(LeadingNumberText(text)));
+}
+
+double LeadingDouble(std::string_view number) {
   double value = 0.0;
-  const auto [end, error] = std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);
-  if (error != std::errc::result_out_of_range || !IsHuge({narrow.data(), end})) return value;
-  return narrow.front() == '-' ? -HUGE_VAL : HUGE_VAL;
+  const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
+  if (error != std::errc::result_out_of_range || !IsHuge({number.data(), end})) return value;
+  return number.front() == '-' ? -HUGE_VAL : HUGE_VAL;
 }
 
 }  // namespace iorder

@@ -18,5 +18,7 @@ std::wstring ToDecimal(int64_t number);
 /// what is too small for a double; what is too great is infinite. Independent of any locale. Words ("inf")
 /// and hexadecimal digits are no numbers.
 double LeadingDouble(std::wstring_view text);
+/// The same of narrow text in which nothing stands before the number, nor a plus sign.
+double LeadingDouble(std::string_view number);
 
 }  // namespace iorder
